@@ -1,0 +1,88 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+    <name></name>
+    <message id="update.error.unreadableFeed">
+        <source>The update feed could not be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="list.empty.title">
+        <source>No Sets Yet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="list.empty.description">
+        <source>Sets you add to your collection appear here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.section.collection">
+        <source>Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.item.allSets">
+        <source>All Sets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.placeholder.title">
+        <source>No Set Selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.placeholder.description">
+        <source>Select a set to see its details.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.file">
+        <source>&amp;File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.quit">
+        <source>&amp;Quit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.help">
+        <source>&amp;Help</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.about">
+        <source>About Tessaloom</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.about.checkForUpdates">
+        <source>Check for Updates…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="update.status.checking">
+        <source>Checking for updates…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="update.upToDate.title">
+        <source>You&apos;re Up to Date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="update.upToDate.message">
+        <source>Tessaloom %1 is the newest version available.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="update.available.title">
+        <source>A New Version Is Available</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="update.available.message">
+        <source>Tessaloom %1 is available; you have %2.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="update.available.openPage">
+        <source>Open Download Page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="update.failed.title">
+        <source>Update Check Failed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="about.message">
+        <source>Tessaloom %1
+Your LEGO collection, its parts and its value, on your own computer.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Services/AppUpdateService.h"
+
+#include "Endpoints.h"
+#include "Logging.h"
+#include "Services/AppcastParser.h"
+
+#include <QCoreApplication>
+#include <QCoroNetworkReply>
+#include <QNetworkReply>
+#include <QScopeGuard>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int feedTimeoutMilliseconds = 30'000;
+}
+
+AppUpdateService &AppUpdateService::shared()
+{
+    static AppUpdateService *instance = new AppUpdateService(
+        Endpoints::baseUrl(Endpoints::Service::updates),
+        QVersionNumber::fromString(QCoreApplication::applicationVersion()),
+        QCoreApplication::instance());
+    return *instance;
+}
+
+AppUpdateService::AppUpdateService(QUrl feedUrl, QVersionNumber currentVersion, QObject *parent)
+    : QObject(parent)
+    , m_feedUrl(std::move(feedUrl))
+    , m_currentVersion(std::move(currentVersion))
+{
+}
+
+void AppUpdateService::setCanCheckForUpdates(bool value)
+{
+    if (m_canCheckForUpdates == value)
+        return;
+    m_canCheckForUpdates = value;
+    Q_EMIT canCheckForUpdatesChanged(value);
+}
+
+QCoro::Task<AppUpdateService::CheckResult> AppUpdateService::checkForUpdates()
+{
+    setCanCheckForUpdates(false);
+    const auto enableAgain = qScopeGuard([this] { setCanCheckForUpdates(true); });
+
+    QNetworkRequest request(m_feedUrl);
+    request.setTransferTimeout(feedTimeoutMilliseconds);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    std::unique_ptr<QNetworkReply> reply(co_await m_network.get(request));
+
+    CheckResult result;
+    if (reply->error() != QNetworkReply::NoError) {
+        qCWarning(lcNetwork) << "Update check failed:" << reply->errorString();
+        result.errorText = reply->errorString();
+        co_return result;
+    }
+    const auto items = AppcastParser::parse(reply->readAll());
+    if (!items) {
+        qCWarning(lcNetwork) << "Update feed unreadable:" << m_feedUrl;
+        //% "The update feed could not be read."
+        result.errorText = qtTrId("update.error.unreadableFeed");
+        co_return result;
+    }
+    const auto newest = AppcastParser::newest(*items);
+    if (newest && QVersionNumber::compare(newest->version, m_currentVersion) > 0) {
+        result.outcome = CheckResult::Outcome::updateAvailable;
+        result.newest = *newest;
+    } else {
+        result.outcome = CheckResult::Outcome::upToDate;
+    }
+    co_return result;
+}

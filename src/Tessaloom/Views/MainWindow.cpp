@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Views/MainWindow.h"
+
+#include "Services/AppUpdateService.h"
+#include "Views/ContentView.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QSettings>
+#include <QSplitter>
+#include <QStatusBar>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString geometryKey = u"mainWindow.geometry"_s;
+const QString columnsKey = u"mainWindow.columns"_s;
+} // namespace
+
+MainWindow::MainWindow(AppUpdateService &updateService, QWidget *parent)
+    : QMainWindow(parent)
+    , m_updateService(updateService)
+    , m_contentView(new ContentView(this))
+{
+    setObjectName(u"mainWindow"_s);
+    setWindowTitle(QApplication::applicationDisplayName());
+    setCentralWidget(m_contentView);
+    setUnifiedTitleAndToolBarOnMac(true);
+    buildMenus();
+    statusBar()->setSizeGripEnabled(true);
+    resize(1200, 760);
+    restoreWindowState();
+}
+
+void MainWindow::buildMenus()
+{
+    //% "&File"
+    QMenu *fileMenu = menuBar()->addMenu(qtTrId("menu.file"));
+    //% "&Quit"
+    QAction *quit = fileMenu->addAction(qtTrId("menu.quit"), qApp, &QApplication::closeAllWindows);
+    quit->setShortcut(QKeySequence::Quit);
+    quit->setMenuRole(QAction::QuitRole);
+
+    //% "&Help"
+    QMenu *helpMenu = menuBar()->addMenu(qtTrId("menu.help"));
+    //% "About Tessaloom"
+    QAction *about = helpMenu->addAction(qtTrId("menu.about"), this, &MainWindow::showAbout);
+    about->setMenuRole(QAction::AboutRole);
+    // Stands after the application-info entry, enabled while no check is under way.
+    //% "Check for Updates…"
+    m_checkForUpdatesAction = helpMenu->addAction(qtTrId("settings.about.checkForUpdates"), this,
+                                                  [this] { checkForUpdates(); });
+    m_checkForUpdatesAction->setMenuRole(QAction::ApplicationSpecificRole);
+    m_checkForUpdatesAction->setEnabled(m_updateService.canCheckForUpdates());
+    connect(&m_updateService, &AppUpdateService::canCheckForUpdatesChanged,
+            m_checkForUpdatesAction, &QAction::setEnabled);
+}
+
+QCoro::Task<> MainWindow::checkForUpdates()
+{
+    //% "Checking for updates…"
+    statusBar()->showMessage(qtTrId("update.status.checking"));
+    QPointer<MainWindow> self(this);
+    const AppUpdateService::CheckResult result = co_await m_updateService.checkForUpdates();
+    if (!self)
+        co_return; // the window closed while the feed was being read
+    statusBar()->clearMessage();
+
+    switch (result.outcome) {
+    case AppUpdateService::CheckResult::Outcome::upToDate:
+        //% "You're Up to Date"
+        QMessageBox::information(this, qtTrId("update.upToDate.title"),
+                                 //% "Tessaloom %1 is the newest version available."
+                                 qtTrId("update.upToDate.message").arg(QApplication::applicationVersion()));
+        break;
+    case AppUpdateService::CheckResult::Outcome::updateAvailable: {
+        QMessageBox box(QMessageBox::Information,
+                        //% "A New Version Is Available"
+                        qtTrId("update.available.title"),
+                        //% "Tessaloom %1 is available; you have %2."
+                        qtTrId("update.available.message")
+                            .arg(result.newest.displayVersion, QApplication::applicationVersion()),
+                        QMessageBox::NoButton, this);
+        //% "Open Download Page"
+        QPushButton *open = box.addButton(qtTrId("update.available.openPage"), QMessageBox::AcceptRole);
+        box.addButton(QMessageBox::Close);
+        box.exec();
+        if (box.clickedButton() == open && result.newest.pageUrl.isValid())
+            QDesktopServices::openUrl(result.newest.pageUrl);
+        break;
+    }
+    case AppUpdateService::CheckResult::Outcome::failed:
+        //% "Update Check Failed"
+        QMessageBox::warning(this, qtTrId("update.failed.title"), result.errorText);
+        break;
+    }
+}
+
+void MainWindow::showAbout()
+{
+    QMessageBox::about(this, qtTrId("menu.about"),
+                       //% "Tessaloom %1\nYour LEGO collection, its parts and its value, on your own computer."
+                       qtTrId("about.message").arg(QApplication::applicationVersion()));
+}
+
+void MainWindow::restoreWindowState()
+{
+    const QSettings settings;
+    restoreGeometry(settings.value(geometryKey).toByteArray());
+    m_contentView->splitter()->restoreState(settings.value(columnsKey).toByteArray());
+}
+
+void MainWindow::saveWindowState() const
+{
+    QSettings settings;
+    settings.setValue(geometryKey, saveGeometry());
+    settings.setValue(columnsKey, m_contentView->splitter()->saveState());
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    saveWindowState();
+    event->accept();
+}

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Views/SymbolIcon.h"
+
+#include <QApplication>
+#include <QHash>
+#include <QStyle>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct SymbolMapping
+{
+    QString themeName;
+    QStyle::StandardPixmap fallback;
+};
+
+const QHash<QString, SymbolMapping> &mappings()
+{
+    static const QHash<QString, SymbolMapping> table{
+        {u"square.grid.2x2"_s, {u"view-grid"_s, QStyle::SP_FileDialogContentsView}},
+        {u"list.bullet"_s, {u"view-list-details"_s, QStyle::SP_FileDialogDetailedView}},
+        {u"folder"_s, {u"folder"_s, QStyle::SP_DirIcon}},
+        {u"trash"_s, {u"user-trash"_s, QStyle::SP_TrashIcon}},
+        {u"star"_s, {u"non-starred"_s, QStyle::SP_DialogNoButton}},
+        {u"star.fill"_s, {u"starred"_s, QStyle::SP_DialogYesButton}},
+        {u"magnifyingglass"_s, {u"edit-find"_s, QStyle::SP_FileDialogContentsView}},
+        {u"arrow.clockwise"_s, {u"view-refresh"_s, QStyle::SP_BrowserReload}},
+        {u"plus"_s, {u"list-add"_s, QStyle::SP_FileDialogNewFolder}},
+        {u"shippingbox"_s, {u"package-x-generic"_s, QStyle::SP_DriveFDIcon}},
+        {u"exclamationmark.triangle"_s, {u"dialog-warning"_s, QStyle::SP_MessageBoxWarning}},
+        {u"info.circle"_s, {u"dialog-information"_s, QStyle::SP_MessageBoxInformation}},
+        {u"gearshape"_s, {u"preferences-system"_s, QStyle::SP_FileDialogInfoView}},
+    };
+    return table;
+}
+
+} // namespace
+
+QString SymbolIcon::themeName(const QString &symbolName)
+{
+    return mappings().value(symbolName).themeName;
+}
+
+QIcon SymbolIcon::icon(const QString &symbolName)
+{
+    const auto mapping = mappings().constFind(symbolName);
+    if (mapping == mappings().cend())
+        return QIcon::fromTheme(symbolName);
+    const QIcon themed = QIcon::fromTheme(mapping->themeName);
+    if (!themed.isNull())
+        return themed;
+    return QApplication::style()->standardIcon(mapping->fallback);
+}
