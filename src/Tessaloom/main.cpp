@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Views/TessaloomApp.h"
+#include "Views/TranslationLoader.h"
 
 #include <QApplication>
-#include <QLibraryInfo>
 #include <QLocale>
-#include <QSettings>
-#include <QTranslator>
 
 #include <cstdio>
 
@@ -25,24 +23,6 @@ bool hasDisplay()
 #endif
 }
 
-void installTranslators(QApplication &application)
-{
-    // English texts come from the id-based table compiled into the program; a table for
-    // the user's language, when one exists, is loaded over it.
-    for (const QString &name : QStringList{u"tessaloom_en"_s, u"tessaloom_"_s + QLocale().name()}) {
-        auto *translator = new QTranslator(&application);
-        if (translator->load(name, u":/i18n"_s))
-            QApplication::installTranslator(translator);
-        else
-            delete translator;
-    }
-    auto *qtTranslator = new QTranslator(&application);
-    if (qtTranslator->load(QLocale(), u"qtbase"_s, u"_"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(qtTranslator);
-    else
-        delete qtTranslator;
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -59,7 +39,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationDisplayName(u"Tessaloom"_s);
     QApplication::setApplicationVersion(QStringLiteral(TESSALOOM_VERSION));
     QApplication::setDesktopFileName(u"com.tessaloom.app"_s);
-    installTranslators(application);
+    TranslationLoader::install(application, QLocale());
 
     TessaloomApp tessaloom;
     tessaloom.showMainWindow();
