@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "SQLiteConnection.h"
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace RebrickableKit {
+
+int SQLiteConnection::openFlags(OpenMode mode)
+{
+    // No mutex or URI flags: the layer is used by one thread at a time, and paths are paths.
+    switch (mode) {
+    case OpenMode::readOnly:
+        return SQLITE_OPEN_READONLY;
+    case OpenMode::readWrite:
+        return SQLITE_OPEN_READWRITE;
+    case OpenMode::create:
+        return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    }
+    Q_UNREACHABLE();
+    return SQLITE_OPEN_READONLY;
+}
+
+SQLiteConnection::SQLiteConnection(const QString &path, OpenMode mode)
+{
+    sqlite3 *db = nullptr;
+    const int result = sqlite3_open_v2(path.toUtf8().constData(), &db, openFlags(mode), nullptr);
+    if (result == SQLITE_OK && db) {
+        m_db = db;
+        return;
+    }
+    QString message = u"Unknown error"_s;
+    if (db) {
+        message = QString::fromUtf8(sqlite3_errmsg(db));
+        sqlite3_close(db);
+    }
+    // m_db stays null, and a constructor that throws runs no destructor: nothing closes twice.
+    throw SQLiteError(SQLiteError::Kind::openFailed, message);
+}
+
+SQLiteConnection::~SQLiteConnection()
+{
+    // Not the _v2 form, and its result is not looked at: statements that were never
+    // finalised keep the connection alive, which is their owner's fault to fix.
+    sqlite3_close(m_db);
+}
+
+void SQLiteConnection::execute(const QString &sql)
+{
+    char *errorText = nullptr;
+    const int result = sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &errorText);
+    if (result == SQLITE_OK)
+        return;
+    const QString message = errorText ? QString::fromUtf8(errorText) : u"Unknown error"_s;
+    sqlite3_free(errorText);
+    throw SQLiteError(SQLiteError::Kind::executeFailed, message);
+}
+
+SQLiteStatement SQLiteConnection::prepare(const QString &sql)
+{
+    sqlite3_stmt *statement = nullptr;
+    const int result = sqlite3_prepare_v2(m_db, sql.toUtf8().constData(), -1, &statement, nullptr);
+    // An empty or comment-only text succeeds without a statement: that is a failure here.
+    if (result != SQLITE_OK || !statement)
+        throw SQLiteError(SQLiteError::Kind::prepareFailed, QString::fromUtf8(sqlite3_errmsg(m_db)));
+    return SQLiteStatement(statement);
+}
+
+int SQLiteConnection::changes() const
+{
+    return sqlite3_changes(m_db);
+}
+
+} // namespace RebrickableKit

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "TableImporter.h"
+
+#include "CSVFieldRules.h"
+#include "CSVFileError.h"
+#include "CSVTokenizer.h"
+#include "PartRelationship.h"
+#include "SQLiteConnection.h"
+#include "Utf8Validator.h"
+
+#include <QFile>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace RebrickableKit {
+
+namespace {
+
+// Texts are bound as C strings elsewhere (length -1), which ends them at the first NUL.
+// Binding from bytes must cut them at the same place to store the same value.
+std::string_view upToNul(std::string_view field)
+{
+    const size_t nul = field.find('\0');
+    return nul == std::string_view::npos ? field : field.substr(0, nul);
+}
+
+// Finalises the statement on every path, so that an error thrown mid-table still lets
+// the connection close.
+class StatementGuard
+{
+public:
+    explicit StatementGuard(SQLiteStatement &statement)
+        : m_statement(statement)
+    {
+    }
+    ~StatementGuard()
+    {
+        if (m_statement.handle())
+            m_statement.finalize();
+    }
+    StatementGuard(const StatementGuard &) = delete;
+    StatementGuard &operator=(const StatementGuard &) = delete;
+
+private:
+    SQLiteStatement &m_statement;
+};
+
+} // namespace
+
+bool TableImporter::bindRow(SQLiteStatement &statement, const CatalogSchema::ImportTable &table,
+                            std::span<const std::string_view> fields)
+{
+    if (qsizetype(fields.size()) < table.leastFields)
+        return false;
+    using Column = CatalogSchema::Column;
+    static constexpr std::string_view prefix(CatalogSchema::partImagePrefix);
+    const qsizetype columnCount = table.columns.size();
+    for (qsizetype index = 0; index < columnCount; ++index) {
+        // Only an optional last column may lie beyond the row's end; it binds NULL.
+        if (index >= qsizetype(fields.size())) {
+            statement.bindNull();
+            continue;
+        }
+        const std::string_view field = fields[size_t(index)];
+        switch (table.columns[index]) {
+        case Column::requiredInteger: {
+            const auto value = CSVFieldRules::integer(field);
+            if (!value) {
+                statement.reset();
+                return false;
+            }
+            statement.bind(*value);
+            break;
+        }
+        case Column::forgivingInteger: {
+            const auto value = CSVFieldRules::integer(field);
+            if (value)
+                statement.bind(*value);
+            else
+                statement.bindNull();
+            break;
+        }
+        case Column::text:
+            statement.bindUnownedUtf8(upToNul(field));
+            break;
+        case Column::optionalText:
+            if (field.empty())
+                statement.bindNull();
+            else
+                statement.bindUnownedUtf8(upToNul(field));
+            break;
+        case Column::boolean:
+            statement.bind(CSVFieldRules::boolean(field));
+            break;
+        case Column::relationType: {
+            const QString letter = QString::fromUtf8(field.data(), qsizetype(field.size()));
+            if (!PartRelationship::relationType(letter)) {
+                statement.reset();
+                return false;
+            }
+            statement.bindUnownedUtf8(field);
+            break;
+        }
+        case Column::partImageURL:
+            if (field.empty())
+                statement.bindNull();
+            else if (field.starts_with(prefix))
+                statement.bindUnownedUtf8(upToNul(field.substr(prefix.size())));
+            else
+                statement.bindUnownedUtf8(upToNul(field));
+            break;
+        }
+    }
+    return true;
+}
+
+void TableImporter::importTable(SQLiteConnection &connection, const CatalogSchema::ImportTable &table,
+                                const QString &csvPath)
+{
+    QFile file(csvPath);
+    if (!file.exists())
+        throw CSVFileError(CSVFileError::Kind::fileNotFound, csvPath);
+    if (!file.open(QIODevice::ReadOnly))
+        throw CSVFileError(CSVFileError::Kind::readFailed, csvPath);
+
+    connection.execute(u"BEGIN TRANSACTION"_s);
+    SQLiteStatement statement = connection.prepare(table.insertStatement);
+    const StatementGuard guard(statement);
+
+    bool isHeader = true;
+    CSVTokenizer tokenizer([&](std::span<const std::string_view> fields) {
+        if (isHeader) {
+            isHeader = false; // read by position only: the header is never looked at
+            return;
+        }
+        if (!bindRow(statement, table, fields))
+            return;
+        // The result is deliberately not looked at: a row that breaks a constraint (a
+        // repeated key) simply isn't stored, and the import goes on.
+        sqlite3_step(statement.handle());
+        statement.reset();
+    });
+
+    Utf8Validator validator;
+    QByteArray chunk(chunkSize, Qt::Uninitialized);
+    for (;;) {
+        const qint64 count = file.read(chunk.data(), chunkSize);
+        if (count < 0)
+            throw CSVFileError(CSVFileError::Kind::readFailed, csvPath);
+        if (count == 0)
+            break;
+        const QByteArrayView piece(chunk.constData(), count);
+        if (!validator.feed(piece))
+            throw CSVFileError(CSVFileError::Kind::invalidUTF8, csvPath);
+        tokenizer.feed(piece);
+    }
+    if (!validator.finish())
+        throw CSVFileError(CSVFileError::Kind::invalidUTF8, csvPath);
+    tokenizer.finish();
+
+    statement.finalize();
+    connection.execute(u"COMMIT"_s);
+}
+
+} // namespace RebrickableKit
