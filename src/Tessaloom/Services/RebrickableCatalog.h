@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Services/CatalogResults.h"
+
+#include <QRecursiveMutex>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+struct sqlite3;
+
+// The application's read access to the local catalog database: finds the file, opens it
+// read-only, and answers searches and look-ups. Callable from any thread: one connection,
+// with every statement serialised by a recursive lock. It never raises: a query that
+// cannot run gives an empty result (an empty list, or nothing).
+//
+// One instance serves the process (shared()); after a new build the catalog service stores
+// a fresh one with replaceShared(). Holders keep the instance they got alive, so a reader
+// in the middle of a query is never cut off by a swap.
+class RebrickableCatalog
+{
+public:
+    ~RebrickableCatalog();
+    RebrickableCatalog(const RebrickableCatalog &) = delete;
+    RebrickableCatalog &operator=(const RebrickableCatalog &) = delete;
+
+    // The process-wide catalog: loaded by the first caller through open(), remembered even
+    // when absent, until replaced.
+    static std::shared_ptr<RebrickableCatalog> shared();
+    static void replaceShared(std::shared_ptr<RebrickableCatalog> catalog);
+
+    // Tries the candidate files in order (the live file in the user's data, the file
+    // bundled with the program) and opens the first that opens.
+    static std::shared_ptr<RebrickableCatalog> open();
+    // Opens one file read-only; on failure gives nothing and, when asked, the reason.
+    static std::shared_ptr<RebrickableCatalog> openFile(const QString &path, QString *errorText = nullptr);
+
+    // Where the live catalog file of this user lives. Computed once.
+    static QString defaultDatabasePath();
+    // The catalog shipped with the program, beside its executable.
+    static QString bundledDatabasePath();
+    static QStringList candidatePaths();
+
+    QString path() const { return m_path; }
+    int schemaVersion() const { return m_schemaVersion; }
+    bool hasFTS() const { return m_hasFTS; }
+
+    QList<CatalogSetResult> searchSets(const QString &query, int limit) const;
+    QList<CatalogSetResult> searchSets(int themeID, const QString &query, int limit) const;
+    // The search the set list runs: like searchSets(query, limit), but a bare set number
+    // typed alone brings that set to the front.
+    QList<CatalogSetResult> searchSetsPromotingExactHit(const QString &query, int limit) const;
+
+    std::optional<CatalogSetResult> set(const QString &number) const;
+    QList<CatalogInventoryPartResult> inventoryParts(const QString &setNumber) const;
+    std::optional<CatalogColorResult> color(int id) const;
+    std::optional<CatalogPartResult> part(const QString &number) const;
+    std::optional<QString> partCategoryName(int id) const;
+    std::optional<CatalogThemeResult> theme(int id) const;
+    QString themePath(int id) const;
+    QList<ThemeNode> themeTree() const;
+    QList<FlatThemeResult> flatThemes() const;
+    int setCount() const;
+
+    // The theme and all its descendants, the theme first.
+    QList<int> themeWithDescendants(int themeID) const;
+
+    // Puts the set `query` names at the front of `results` when the query is one bare
+    // set number (one token, not a year) and the catalog has that set.
+    void promoteExactHit(const QString &query, QList<CatalogSetResult> &results) const;
+
+private:
+    RebrickableCatalog() = default;
+
+    QList<CatalogSetResult> runSetSearch(const QString &query, const std::optional<QList<int>> &themeIDs,
+                                         int limit) const;
+
+    QString m_path;
+    mutable QRecursiveMutex m_lock;
+    sqlite3 *m_db = nullptr;
+    int m_schemaVersion = 0;
+    bool m_hasFTS = false;
+};
