@@ -18,7 +18,8 @@ namespace RebrickableKit {
 
 namespace {
 
-Q_LOGGING_CATEGORY(lcCatalogBuild, "com.tessaloom.app.catalogDB")
+// Step timings are debug messages, off unless asked for (QT_LOGGING_RULES).
+Q_LOGGING_CATEGORY(lcCatalogBuild, "com.tessaloom.app.catalogDB", QtInfoMsg)
 
 void throwIfCancelled(const std::stop_token &stopToken)
 {
