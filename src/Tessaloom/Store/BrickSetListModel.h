@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Store/FetchRequest.h"
+#include "Store/ManagedObjectContext.h"
+#include "Store/StoreChanges.h"
+
+#include <QAbstractListModel>
+#include <QSet>
+
+class PersistentContainer;
+
+// A live list of copies over the view context: the copies that a fetch request selects,
+// each with its catalog set, in the request's order. It refetches after every commit
+// that touches an entity the request reads, whichever context made it, so the list and
+// its count follow every save without a manual refresh.
+//
+// When a commit leaves the selection and order unchanged (one copy edited), only the
+// affected rows are reread and reported as changed; otherwise the model is reset.
+class BrickSetListModel : public QAbstractListModel
+{
+    Q_OBJECT
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
+
+public:
+    enum Role {
+        ObjectIDRole = Qt::UserRole + 1, // ObjectID
+        SetNumberRole,                   // QString, the catalog set's number (empty without one)
+        NameRole,                        // QString, the catalog set's name (empty without one)
+        IsFavoriteRole,                  // bool
+        DateAddedRole,                   // QDateTime
+    };
+    Q_ENUM(Role)
+
+    explicit BrickSetListModel(PersistentContainer &container, QObject *parent = nullptr);
+
+    FetchRequest<BrickSet> fetchRequest() const { return m_request; }
+    // Replaces the request and refetches at once.
+    void setFetchRequest(const FetchRequest<BrickSet> &request);
+
+    int count() const { return int(m_rows.size()); }
+    const QList<BrickSetWithCatalogSet> &rows() const { return m_rows; }
+    const BrickSetWithCatalogSet &rowAt(int row) const { return m_rows.at(row); }
+    // The row of the copy `id`, or -1.
+    int rowOf(const ObjectID &id) const;
+
+    // Reads the whole list again.
+    void refetch();
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    void countChanged();
+    // After every refetch, whether or not anything changed.
+    void refetched();
+
+private:
+    void onObjectsDidChange(const StoreChanges &changes);
+    QList<BrickSetWithCatalogSet> fetchRows(const FetchRequest<BrickSet> &request) const;
+
+    PersistentContainer &m_container;
+    ManagedObjectContext &m_context;
+    FetchRequest<BrickSet> m_request;
+    QSet<EntityType> m_entitiesRead;
+    QList<BrickSetWithCatalogSet> m_rows;
+};

@@ -1,0 +1,415 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Store/ManagedObjectContext.h"
+
+#include "Logging.h"
+#include "Store/PersistentContainer.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+AnyEntity emptyEntity(EntityType type)
+{
+    switch (type) {
+    case EntityType::CatalogSet:
+        return CatalogSet{};
+    case EntityType::CatalogPart:
+        return CatalogPart{};
+    case EntityType::CatalogColor:
+        return CatalogColor{};
+    case EntityType::CatalogSetPart:
+        return CatalogSetPart{};
+    case EntityType::BrickSet:
+        return BrickSet{};
+    case EntityType::PartInventoryEntry:
+        return PartInventoryEntry{};
+    case EntityType::CachedPriceGuide:
+        return CachedPriceGuide{};
+    case EntityType::CachedInstructionURL:
+        return CachedInstructionURL{};
+    case EntityType::WishlistItem:
+        return WishlistItem{};
+    }
+    return BrickSet{};
+}
+
+template <typename T>
+QString insertSql(bool upsert)
+{
+    const auto &fields = EntityTraits<T>::fields();
+    QString columns = u"pk"_s;
+    QString values = u"?"_s;
+    QString updates;
+    for (const auto &field : fields) {
+        columns += u", "_s + field.name;
+        values += u", ?"_s;
+        updates += (updates.isEmpty() ? u""_s : u", "_s) + field.name + u" = excluded."_s + field.name;
+    }
+    QString sql = u"INSERT INTO "_s + entityName(EntityTraits<T>::type) + u" ("_s + columns + u") VALUES ("_s + values + u')';
+    if (upsert)
+        sql += u" ON CONFLICT(pk) DO UPDATE SET "_s + updates;
+    return sql;
+}
+
+template <typename T>
+QString updateSql(quint64 changedFields)
+{
+    const auto &fields = EntityTraits<T>::fields();
+    QStringList assignments;
+    for (qsizetype index = 0; index < fields.size(); ++index) {
+        if (changedFields & (quint64(1) << index))
+            assignments.append(fields[index].name + u" = ?"_s);
+    }
+    return u"UPDATE "_s + entityName(EntityTraits<T>::type) + u" SET "_s + assignments.join(u", "_s) + u" WHERE pk = ?"_s;
+}
+
+} // namespace
+
+ManagedObjectContext::ManagedObjectContext(PersistentContainer &container, ConcurrencyType type,
+                                           std::unique_ptr<StoreConnection> connection)
+    : m_container(container)
+    , m_concurrencyType(type)
+    , m_connection(std::move(connection))
+{
+    if (type == ConcurrencyType::privateQueue) {
+        // One worker thread per context: its blocks run one at a time, in the order given.
+        m_pool = std::make_unique<QThreadPool>();
+        m_pool->setMaxThreadCount(1);
+    }
+}
+
+ManagedObjectContext::~ManagedObjectContext()
+{
+    if (m_pool)
+        m_pool->waitForDone();
+    closeScratch();
+}
+
+qint64 ManagedObjectContext::allocateKey(EntityType entity)
+{
+    return m_container.allocatePrimaryKey(entity);
+}
+
+void ManagedObjectContext::remember(const ObjectID &id, AnyEntity value)
+{
+    m_snapshots.insert(id, std::move(value));
+}
+
+void ManagedObjectContext::recordUpdate(const ObjectID &id, AnyEntity value, quint64 changedFields)
+{
+    m_pending.insert(id, Pending{Pending::Kind::updated, std::move(value), changedFields, false, ++m_sequence});
+}
+
+void ManagedObjectContext::bindAll(SqlStatement &statement, const QList<SqlValue> &bindings)
+{
+    int index = 1;
+    for (const SqlValue &value : bindings) {
+        if (const auto *integer = std::get_if<qint64>(&value))
+            statement.bindInteger(index, *integer);
+        else if (const auto *text = std::get_if<QString>(&value))
+            statement.bindText(index, *text);
+        else
+            statement.bindNull(index);
+        ++index;
+    }
+}
+
+QString ManagedObjectContext::orderBy(QueryCompiler &compiler, const QList<SortDescriptor> &descriptors)
+{
+    QStringList terms;
+    for (const SortDescriptor &descriptor : descriptors)
+        terms.append(compiler.scalar(descriptor.keyPath).expression + (descriptor.ascending ? u" ASC"_s : u" DESC"_s));
+    // Equal keys keep the order of insertion, so a list does not reshuffle on refetch.
+    terms.append(u"t0.pk ASC"_s);
+    return u" ORDER BY "_s + terms.join(u", "_s);
+}
+
+QString ManagedObjectContext::limitClause(int limit)
+{
+    return limit > 0 ? u" LIMIT "_s + QString::number(limit) : QString();
+}
+
+void ManagedObjectContext::beginRead()
+{
+    if (m_pending.isEmpty()) {
+        ++m_readDepth;
+        return;
+    }
+    try {
+        applyPendingForRead();
+    } catch (...) {
+        closeScratch();
+        throw;
+    }
+    ++m_readDepth;
+}
+
+void ManagedObjectContext::applyPendingForRead()
+{
+    if (!m_scratchOpen) {
+        m_connection->execute("BEGIN IMMEDIATE");
+        m_connection->execute("PRAGMA defer_foreign_keys = ON");
+        m_scratchOpen = true;
+        for (auto &pending : m_pending)
+            pending.applied = false;
+    }
+    QList<ObjectID> order;
+    for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it) {
+        if (!it->applied)
+            order.append(it.key());
+    }
+    std::sort(order.begin(), order.end(), [this](const ObjectID &left, const ObjectID &right) {
+        const Pending &a = m_pending[left];
+        const Pending &b = m_pending[right];
+        return std::tuple(int(a.kind), int(left.entity), a.sequence) < std::tuple(int(b.kind), int(right.entity), b.sequence);
+    });
+    for (const ObjectID &id : std::as_const(order)) {
+        Pending &pending = m_pending[id];
+        writeChange(id, pending, true, nullptr);
+        pending.applied = true;
+    }
+}
+
+void ManagedObjectContext::endRead()
+{
+    --m_readDepth;
+    if (m_scratchOpen && m_performDepth == 0 && m_readDepth == 0)
+        closeScratch();
+}
+
+void ManagedObjectContext::closeScratch()
+{
+    if (!m_scratchOpen)
+        return;
+    if (sqlite3_exec(m_connection->handle(), "ROLLBACK", nullptr, nullptr, nullptr) != SQLITE_OK)
+        qCWarning(lcPersistence) << "Rolling back a read of pending changes failed:"
+                                 << sqlite3_errmsg(m_connection->handle());
+    m_scratchOpen = false;
+    for (auto &pending : m_pending)
+        pending.applied = false;
+}
+
+void ManagedObjectContext::writeChange(const ObjectID &id, const Pending &pending, bool upsert, StoreChanges *changes)
+{
+    std::visit(
+        [&](const auto &object) {
+            using T = std::decay_t<decltype(object)>;
+            const auto &fields = EntityTraits<T>::fields();
+            switch (pending.kind) {
+            case Pending::Kind::inserted: {
+                auto statement = m_connection->prepare(insertSql<T>(upsert));
+                statement.bindInteger(1, id.primaryKey);
+                for (qsizetype index = 0; index < fields.size(); ++index)
+                    fields[index].bind(object, statement, int(index) + 2);
+                statement.run();
+                if (changes)
+                    changes->inserted.insert(id);
+                break;
+            }
+            case Pending::Kind::updated: {
+                auto statement = m_connection->prepare(updateSql<T>(pending.changedFields));
+                int parameter = 1;
+                for (qsizetype index = 0; index < fields.size(); ++index) {
+                    if (pending.changedFields & (quint64(1) << index))
+                        fields[index].bind(object, statement, parameter++);
+                }
+                statement.bindInteger(parameter, id.primaryKey);
+                statement.run();
+                // An object deleted by another context meanwhile stays deleted.
+                if (changes && sqlite3_changes(m_connection->handle()) > 0)
+                    changes->updated.insert(id);
+                break;
+            }
+            case Pending::Kind::deleted: {
+                if (changes) {
+                    for (const auto &reference : StoreSchema::entity(id.entity).referencedBy) {
+                        auto statement = m_connection->prepare(u"SELECT pk FROM "_s + entityName(reference.source)
+                                                               + u" WHERE "_s + reference.column + u" = ?"_s);
+                        statement.bindInteger(1, id.primaryKey);
+                        while (statement.step()) {
+                            const ObjectID affected{reference.source, statement.integer(0)};
+                            (reference.cascades ? changes->deleted : changes->updated).insert(affected);
+                        }
+                    }
+                }
+                auto statement = m_connection->prepare(u"DELETE FROM "_s + entityName(id.entity) + u" WHERE pk = ?"_s);
+                statement.bindInteger(1, id.primaryKey);
+                statement.run();
+                if (changes && sqlite3_changes(m_connection->handle()) > 0)
+                    changes->deleted.insert(id);
+                break;
+            }
+            }
+        },
+        pending.value);
+}
+
+void ManagedObjectContext::deleteObject(const ObjectID &id)
+{
+    if (!id.isValid())
+        return;
+    auto pending = m_pending.find(id);
+    if (pending != m_pending.end()) {
+        if (pending->kind == Pending::Kind::deleted)
+            return;
+        if (pending->kind == Pending::Kind::inserted) {
+            // Never saved: forgetting it is the whole deletion.
+            const bool wasApplied = pending->applied;
+            m_pending.erase(pending);
+            if (wasApplied)
+                closeScratch();
+            return;
+        }
+    }
+    m_pending.insert(id, Pending{Pending::Kind::deleted, emptyEntity(id.entity), 0, false, ++m_sequence});
+}
+
+void ManagedObjectContext::save()
+{
+    if (m_pending.isEmpty())
+        return;
+    closeScratch();
+    QList<ObjectID> order = m_pending.keys();
+    std::sort(order.begin(), order.end(), [this](const ObjectID &left, const ObjectID &right) {
+        const Pending &a = m_pending[left];
+        const Pending &b = m_pending[right];
+        return std::tuple(int(a.kind), int(left.entity), a.sequence) < std::tuple(int(b.kind), int(right.entity), b.sequence);
+    });
+    StoreChanges changes;
+    try {
+        m_connection->execute("BEGIN IMMEDIATE");
+    } catch (const StoreError &error) {
+        throw StoreError(StoreError::Kind::saveFailed, error.detail(), error.sqliteCode());
+    }
+    try {
+        // References are checked at COMMIT, so the order of the writes inside the
+        // transaction does not matter, only the result.
+        m_connection->execute("PRAGMA defer_foreign_keys = ON");
+        for (const ObjectID &id : std::as_const(order))
+            writeChange(id, m_pending[id], false, &changes);
+        m_connection->execute("COMMIT");
+    } catch (const StoreError &error) {
+        sqlite3_exec(m_connection->handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+        qCWarning(lcPersistence) << "Saving" << m_name << "failed:" << error.description();
+        throw StoreError(StoreError::Kind::saveFailed, error.detail(), error.sqliteCode());
+    }
+    for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it) {
+        if (it->kind == Pending::Kind::deleted)
+            m_snapshots.remove(it.key());
+        else
+            m_snapshots.insert(it.key(), it->value);
+    }
+    for (const ObjectID &id : std::as_const(changes.deleted)) {
+        changes.updated.remove(id);
+        m_snapshots.remove(id);
+    }
+    m_pending.clear();
+    m_container.postChanges(changes);
+}
+
+void ManagedObjectContext::rollback()
+{
+    closeScratch();
+    m_pending.clear();
+}
+
+void ManagedObjectContext::refresh(const ObjectID &id, bool mergeChanges)
+{
+    m_snapshots.remove(id);
+    if (!mergeChanges && m_pending.remove(id))
+        closeScratch();
+}
+
+QList<ObjectID> ManagedObjectContext::batchDelete(EntityType entity)
+{
+    closeScratch();
+    StoreChanges changes;
+    QList<ObjectID> deleted;
+    m_connection->execute("BEGIN IMMEDIATE");
+    try {
+        const QString table = entityName(entity);
+        auto rows = m_connection->prepare(u"SELECT pk FROM "_s + table);
+        while (rows.step())
+            deleted.append(ObjectID{entity, rows.integer(0)});
+        for (const auto &reference : StoreSchema::entity(entity).referencedBy) {
+            auto statement = m_connection->prepare(u"SELECT pk FROM "_s + entityName(reference.source) + u" WHERE "_s
+                                                   + reference.column + u" IS NOT NULL"_s);
+            while (statement.step())
+                (reference.cascades ? changes.deleted : changes.updated).insert(ObjectID{reference.source, statement.integer(0)});
+        }
+        m_connection->prepare(u"DELETE FROM "_s + table).run();
+        m_connection->execute("COMMIT");
+    } catch (...) {
+        sqlite3_exec(m_connection->handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+        throw;
+    }
+    for (const ObjectID &id : std::as_const(deleted))
+        changes.deleted.insert(id);
+    for (const ObjectID &id : std::as_const(changes.deleted)) {
+        changes.updated.remove(id);
+        m_snapshots.remove(id);
+        m_pending.remove(id);
+    }
+    m_container.postChanges(changes);
+    return deleted;
+}
+
+QList<BrickSetWithCatalogSet> ManagedObjectContext::fetchBrickSetsWithCatalogSets(const FetchRequest<BrickSet> &request)
+{
+    QueryCompiler compiler(EntityType::BrickSet, u"t0"_s);
+    QList<SqlValue> bindings;
+    const QString where = request.predicate.toSql(compiler, bindings);
+    const QString order = orderBy(compiler, request.sortDescriptors);
+    const QString sql = u"SELECT "_s + columnList<BrickSet>(u"t0"_s) + u", "_s + columnList<CatalogSet>(u"c"_s)
+        + u" FROM BrickSet t0 LEFT JOIN CatalogSet c ON c.pk = t0.catalogSet WHERE "_s + where + order
+        + limitClause(request.fetchLimit);
+    const int catalogColumn = int(EntityTraits<BrickSet>::fields().size()) + 1;
+    QList<BrickSetWithCatalogSet> rows;
+    beginRead();
+    try {
+        auto statement = m_connection->prepare(sql);
+        bindAll(statement, bindings);
+        while (statement.step()) {
+            BrickSetWithCatalogSet row;
+            readRow(row.brickSet, statement, 0);
+            if (!m_pending.contains(row.brickSet.objectID))
+                remember(row.brickSet.objectID, row.brickSet);
+            if (!statement.isNull(catalogColumn)) {
+                CatalogSet catalogSet;
+                readRow(catalogSet, statement, catalogColumn);
+                if (!m_pending.contains(catalogSet.objectID))
+                    remember(catalogSet.objectID, catalogSet);
+                row.catalogSet = std::move(catalogSet);
+            }
+            rows.append(std::move(row));
+        }
+    } catch (...) {
+        endRead();
+        throw;
+    }
+    endRead();
+    return rows;
+}
+
+ManagedObjectContext::PartsCount ManagedObjectContext::partsCount(const ObjectID &brickSet)
+{
+    PartsCount result;
+    beginRead();
+    try {
+        auto statement = m_connection->prepare(
+            u"SELECT coalesce(sum(e.quantityOwned), 0), coalesce(sum(p.quantity), 0), count(*) "
+            "FROM PartInventoryEntry e LEFT JOIN CatalogSetPart p ON p.pk = e.catalogSetPart WHERE e.brickSet = ?"_s);
+        statement.bindInteger(1, brickSet.primaryKey);
+        if (statement.step())
+            result = PartsCount{statement.integer(0), statement.integer(1), statement.integer(2)};
+    } catch (...) {
+        endRead();
+        throw;
+    }
+    endRead();
+    return result;
+}

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Store/PersistentContainer.h"
+
+#include "Logging.h"
+#include "Store/ManagedObjectContext.h"
+#include "Store/StoreConnection.h"
+#include "Store/StoreError.h"
+#include "Store/StoreSchema.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QThread>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString describePath(const QString &path, const QString &message)
+{
+    return u"(%1) %2"_s.arg(QDir::toNativeSeparators(path), message);
+}
+
+// Checks that the file is a database this process may write, before anything writes to
+// it: a foreign file must stay exactly as it was.
+void checkWritableDatabase(StoreConnection &connection, const QString &path)
+{
+    sqlite3 *database = connection.handle();
+    sqlite3_stmt *statement = nullptr;
+    int result = sqlite3_prepare_v2(database, "SELECT count(*) FROM sqlite_schema", -1, &statement, nullptr);
+    if (result == SQLITE_OK) {
+        result = sqlite3_step(statement);
+        sqlite3_finalize(statement);
+    }
+    if (result != SQLITE_ROW) {
+        const int code = sqlite3_extended_errcode(database);
+        const auto kind = (code & 0xff) == SQLITE_NOTADB ? StoreError::Kind::notADatabase : StoreError::Kind::openFailed;
+        throw StoreError(kind, describePath(path, QString::fromUtf8(sqlite3_errmsg(database))), code);
+    }
+    if (sqlite3_db_readonly(database, "main") == 1)
+        throw StoreError(StoreError::Kind::readOnly, describePath(path, u"The file is read-only."_s), SQLITE_READONLY);
+}
+
+} // namespace
+
+PersistentContainer::PersistentContainer(QString path, bool inMemory, QObject *parent)
+    : QObject(parent)
+    , m_path(std::move(path))
+    , m_inMemory(inMemory)
+{
+}
+
+PersistentContainer::~PersistentContainer()
+{
+    m_viewContext.reset();
+}
+
+std::unique_ptr<PersistentContainer> PersistentContainer::open(const QString &path, bool inMemory, QObject *parent)
+{
+    qRegisterMetaType<StoreChanges>();
+    qRegisterMetaType<ObjectID>();
+    std::unique_ptr<PersistentContainer> container(new PersistentContainer(path, inMemory, parent));
+    if (!inMemory) {
+        const QString folder = QFileInfo(path).absolutePath();
+        if (!QDir().mkpath(folder)) {
+            throw StoreError(StoreError::Kind::directoryNotCreatable,
+                             describePath(path, u"The folder %1 could not be created."_s.arg(folder)));
+        }
+    }
+    try {
+        container->m_anchor = std::make_unique<StoreConnection>(path, inMemory, true);
+    } catch (const StoreError &error) {
+        throw StoreError(error.kind(), describePath(path, error.detail()), error.sqliteCode());
+    }
+    StoreConnection &anchor = *container->m_anchor;
+    if (!inMemory) {
+        checkWritableDatabase(anchor, path);
+        try {
+            // WAL: readers never wait for a writer, and a commit is one append, so a crash
+            // leaves the last commit either whole or absent.
+            anchor.execute("PRAGMA journal_mode = WAL");
+        } catch (const StoreError &error) {
+            throw StoreError(StoreError::Kind::openFailed, describePath(path, error.detail()), error.sqliteCode());
+        }
+    }
+    try {
+        StoreSchema::migrate(anchor.handle());
+    } catch (const StoreError &error) {
+        throw StoreError(error.kind(), describePath(path, error.detail()), error.sqliteCode());
+    }
+    for (EntityType entity : allEntityTypes) {
+        auto statement = anchor.prepare(u"SELECT coalesce(max(pk), 0) FROM "_s + entityName(entity));
+        if (statement.step())
+            container->m_lastKeys[size_t(entity)] = statement.integer(0);
+    }
+    container->m_viewContext.reset(new ManagedObjectContext(*container, ManagedObjectContext::ConcurrencyType::mainQueue,
+                                                            container->openConnection()));
+    container->m_viewContext->setName(u"viewContext"_s);
+    container->m_viewContext->setMergePolicy(ManagedObjectContext::MergePolicy::mergeByPropertyObjectTrump);
+    return container;
+}
+
+std::unique_ptr<StoreConnection> PersistentContainer::openConnection() const
+{
+    return std::make_unique<StoreConnection>(m_path, m_inMemory, false);
+}
+
+std::shared_ptr<ManagedObjectContext> PersistentContainer::newBackgroundContext()
+{
+    std::shared_ptr<ManagedObjectContext> context(
+        new ManagedObjectContext(*this, ManagedObjectContext::ConcurrencyType::privateQueue, openConnection()));
+    context->setName(u"backgroundContext"_s);
+    context->setMergePolicy(ManagedObjectContext::MergePolicy::mergeByPropertyObjectTrump);
+    return context;
+}
+
+qint64 PersistentContainer::allocatePrimaryKey(EntityType entity)
+{
+    QMutexLocker locker(&m_keyMutex);
+    return ++m_lastKeys[size_t(entity)];
+}
+
+void PersistentContainer::postChanges(const StoreChanges &changes)
+{
+    if (changes.isEmpty())
+        return;
+    if (QThread::currentThread() == thread()) {
+        Q_EMIT objectsDidChange(changes);
+        return;
+    }
+    QMetaObject::invokeMethod(this, [this, changes] { Q_EMIT objectsDidChange(changes); }, Qt::QueuedConnection);
+}

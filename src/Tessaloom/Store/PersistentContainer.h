@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Store/ObjectID.h"
+#include "Store/StoreChanges.h"
+
+#include <QMutex>
+#include <QObject>
+#include <QString>
+
+#include <array>
+#include <memory>
+
+class ManagedObjectContext;
+class StoreConnection;
+
+// The collection store: one SQLite file (or a private in-memory database), its view
+// context for the main thread, background contexts on demand, and the change notices.
+// Every commit, from any context, is announced once by objectsDidChange() on the thread
+// the container lives on (the main thread), after the commit.
+class PersistentContainer : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Opens the store at `path`, creating the file and its folder when absent, and runs
+    // the migrations. With `inMemory`, `path` only names a private in-memory database
+    // that disappears with the container. Throws StoreError; the file is left as it was.
+    static std::unique_ptr<PersistentContainer> open(const QString &path, bool inMemory = false,
+                                                     QObject *parent = nullptr);
+    ~PersistentContainer() override;
+
+    QString path() const { return m_path; }
+    bool isInMemory() const { return m_inMemory; }
+
+    // The main-thread context, named "viewContext"; screens read and write through it.
+    ManagedObjectContext &viewContext() const { return *m_viewContext; }
+    // A fresh context with its own connection, whose perform() runs on a worker thread,
+    // named "backgroundContext" with the property-by-property merge policy. Keep it
+    // alive while its work runs.
+    std::shared_ptr<ManagedObjectContext> newBackgroundContext();
+
+    // For the contexts: a new connection to this store (throws StoreError), a primary key
+    // for a new object (unique in this process, thread-safe), and the notice of a commit.
+    std::unique_ptr<StoreConnection> openConnection() const;
+    qint64 allocatePrimaryKey(EntityType entity);
+    void postChanges(const StoreChanges &changes);
+
+Q_SIGNALS:
+    void objectsDidChange(const StoreChanges &changes);
+
+private:
+    PersistentContainer(QString path, bool inMemory, QObject *parent);
+
+    QString m_path;
+    bool m_inMemory;
+    std::unique_ptr<StoreConnection> m_anchor; // keeps an in-memory database alive
+    std::shared_ptr<ManagedObjectContext> m_viewContext;
+    QMutex m_keyMutex;
+    std::array<qint64, 9> m_lastKeys{};
+};

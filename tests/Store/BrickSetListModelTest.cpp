@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "StoreFixtures.h"
+#include "TestEnvironment.h"
+
+#include "Store/BrickSetListModel.h"
+#include "Store/BrickSetQueries.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace StoreFixtures;
+
+class BrickSetListModelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { TestEnvironment::isolate(); }
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_store = openStore(*m_folder);
+        auto &context = m_store->viewContext();
+        m_falcon = context.insert(catalogSet(u"75192-1"_s, u"Millennium Falcon"_s));
+        m_castle = context.insert(catalogSet(u"10305-1"_s, u"Lion Knights' Castle"_s));
+        context.save();
+    }
+    void cleanup()
+    {
+        m_store.reset();
+        m_folder.reset();
+    }
+
+    void listShowsNonTrashedCopiesWithSetNumberAndName()
+    {
+        auto &context = m_store->viewContext();
+        context.insert(newCopy(m_falcon.objectID));
+        auto thrown = newCopy(m_castle.objectID);
+        thrown.isTrashed = true;
+        context.insert(thrown);
+        context.insert(newCopy(std::nullopt));
+        context.save();
+
+        BrickSetListModel model(*m_store);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setFetchRequest(collectionRequest());
+        QCOMPARE(model.rowCount(), 2);
+        QCOMPARE(model.data(model.index(0), Qt::DisplayRole).toString(), u"Unknown Set"_s);
+        QCOMPARE(model.data(model.index(1), BrickSetListModel::SetNumberRole).toString(), u"75192-1"_s);
+        QCOMPARE(model.data(model.index(1), BrickSetListModel::NameRole).toString(), u"Millennium Falcon"_s);
+        QCOMPARE(model.data(model.index(1), Qt::DisplayRole).toString(), u"75192-1  Millennium Falcon"_s);
+        QCOMPARE(model.roleNames().value(BrickSetListModel::SetNumberRole), QByteArray("setNumber"));
+    }
+
+    void backgroundSaveReachesTheListWithoutARefresh()
+    {
+        BrickSetListModel model(*m_store);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setFetchRequest(collectionRequest());
+        QSignalSpy counts(&model, &BrickSetListModel::countChanged);
+        auto background = m_store->newBackgroundContext();
+        const ObjectID falcon = m_falcon.objectID;
+        background->perform([falcon](ManagedObjectContext &context) {
+            context.insert(newCopy(falcon));
+            context.insert(newCopy(falcon));
+            context.save();
+        });
+        QTRY_COMPARE(model.rowCount(), 2);
+        QCOMPARE(counts.size(), 1);
+    }
+
+    void trashingACopyDropsItFromTheList()
+    {
+        auto &context = m_store->viewContext();
+        auto copy = context.insert(newCopy(m_falcon.objectID));
+        context.insert(newCopy(m_castle.objectID));
+        context.save();
+        BrickSetListModel model(*m_store);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setFetchRequest(collectionRequest());
+        QCOMPARE(model.rowCount(), 2);
+        copy.isTrashed = true;
+        copy.trashedDate = QDateTime::currentDateTimeUtc();
+        context.update(copy);
+        context.save();
+        QCOMPARE(model.rowCount(), 1);
+        QCOMPARE(model.rowOf(copy.objectID), -1);
+    }
+
+    void editingACopyInPlaceReportsOnlyItsRow()
+    {
+        auto &context = m_store->viewContext();
+        context.insert(newCopy(m_falcon.objectID));
+        auto copy = context.insert(newCopy(m_castle.objectID));
+        context.save();
+        BrickSetListModel model(*m_store);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setFetchRequest(collectionRequest());
+        QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
+        QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+        copy.isFavorite = true;
+        context.update(copy);
+        context.save();
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(changes.size(), 1);
+        const int row = model.rowOf(copy.objectID);
+        QCOMPARE(changes.first().first().toModelIndex().row(), row);
+        QCOMPARE(model.data(model.index(row), BrickSetListModel::IsFavoriteRole).toBool(), true);
+    }
+
+    void renamingTheCatalogSetUpdatesAndReordersTheList()
+    {
+        auto &context = m_store->viewContext();
+        const auto falconCopy = context.insert(newCopy(m_falcon.objectID));
+        context.insert(newCopy(m_castle.objectID));
+        context.save();
+        BrickSetListModel model(*m_store);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setFetchRequest(collectionRequest());
+        QCOMPARE(model.rowOf(falconCopy.objectID), 1);
+        auto background = m_store->newBackgroundContext();
+        const ObjectID falcon = m_falcon.objectID;
+        background->perform([falcon](ManagedObjectContext &other) {
+            auto set = *other.existingObject<CatalogSet>(falcon);
+            set.name = u"A Falcon"_s;
+            other.update(set);
+            other.save();
+        });
+        QTRY_COMPARE(model.rowOf(falconCopy.objectID), 0);
+        QCOMPARE(model.data(model.index(0), BrickSetListModel::NameRole).toString(), u"A Falcon"_s);
+    }
+
+    void changesToEntitiesTheListDoesNotReadAreIgnored()
+    {
+        BrickSetListModel model(*m_store);
+        model.setFetchRequest(collectionRequest());
+        QSignalSpy refetches(&model, &BrickSetListModel::refetched);
+        auto &context = m_store->viewContext();
+        context.insert(WishlistItem{{}, u"1-1"_s, u"Wanted"_s, 2000, 1, {}, {}, {}, {}});
+        context.save();
+        QCOMPARE(refetches.size(), 0);
+        context.insert(guide(m_falcon.objectID, u"used"_s, u"sold"_s, QDateTime::currentDateTimeUtc()));
+        context.save();
+        QCOMPARE(refetches.size(), 0);
+
+        // A list filtered on pricing reads the guides and follows them.
+        model.setFetchRequest(FetchRequest<BrickSet>(BrickSetQueries::withoutPriceGuides()));
+        refetches.clear();
+        context.insert(guide(m_castle.objectID, u"used"_s, u"sold"_s, QDateTime::currentDateTimeUtc()));
+        context.save();
+        QCOMPARE(refetches.size(), 1);
+    }
+
+private:
+    static FetchRequest<BrickSet> collectionRequest()
+    {
+        return FetchRequest<BrickSet>(BrickSetQueries::notTrashed(), {{u"catalogSet.name"_s, true}});
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<PersistentContainer> m_store;
+    CatalogSet m_falcon;
+    CatalogSet m_castle;
+};
+
+QTEST_MAIN(BrickSetListModelTest)
+#include "BrickSetListModelTest.moc"
