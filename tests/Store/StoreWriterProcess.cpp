@@ -6,6 +6,8 @@
 //                                              one save, and prints "saved"
 //   StoreWriterProcess open-shared             opens the shared store as start-up does,
 //                                              and prints "opened" if that did not end it
+//   StoreWriterProcess open <path>             opens the store at <path>; on failure
+//                                              prints "kind=<n> <error>" to stderr, exit 2
 
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistenceController.h"
@@ -54,6 +56,16 @@ int main(int argc, char *argv[])
         say("opened");
         return 0;
     }
+    if (arguments.size() >= 3 && arguments[1] == u"open"_s) {
+        try {
+            PersistenceController::open(arguments[2]);
+            say("opened");
+            return 0;
+        } catch (const StoreError &error) {
+            std::fprintf(stderr, "kind=%d %s\n", int(error.kind()), error.what());
+            return 2;
+        }
+    }
     if (arguments.size() >= 4 && arguments[1] == u"write"_s) {
         try {
             auto controller = PersistenceController::open(arguments[2]);
@@ -71,6 +83,6 @@ int main(int argc, char *argv[])
             return 2;
         }
     }
-    std::fprintf(stderr, "usage: StoreWriterProcess write <path> <copies> | open-shared\n");
+    std::fprintf(stderr, "usage: StoreWriterProcess write <path> <copies> | open <path> | open-shared\n");
     return 1;
 }

@@ -68,10 +68,18 @@ std::unique_ptr<PersistentContainer> PersistentContainer::open(const QString &pa
                              describePath(path, u"The folder %1 could not be created."_s.arg(folder)));
         }
     }
+    const QFileInfo file(path);
+    if (!inMemory && file.exists() && !file.isWritable())
+        throw StoreError(StoreError::Kind::readOnly, describePath(path, u"The file is read-only."_s), SQLITE_READONLY);
     try {
         container->m_anchor = std::make_unique<StoreConnection>(path, inMemory, true);
     } catch (const StoreError &error) {
-        throw StoreError(error.kind(), describePath(path, error.detail()), error.sqliteCode());
+        auto kind = StoreError::Kind::openFailed;
+        if ((error.sqliteCode() & 0xff) == SQLITE_NOTADB)
+            kind = StoreError::Kind::notADatabase;
+        else if ((error.sqliteCode() & 0xff) == SQLITE_READONLY)
+            kind = StoreError::Kind::readOnly;
+        throw StoreError(kind, describePath(path, error.detail()), error.sqliteCode());
     }
     StoreConnection &anchor = *container->m_anchor;
     if (!inMemory) {
