@@ -77,7 +77,7 @@ private Q_SLOTS:
         for (const QByteArray &text : awkwardTexts) {
             const ByteRows expected = wholeText(text);
             for (qsizetype cut = 0; cut <= text.size(); ++cut)
-                QVERIFY2(tokenize(text, {cut}) == expected, (text.toPercentEncoding() + " cut at " + QByteArray::number(cut)).constData());
+                QVERIFY2(tokenize(text, {cut}) == expected, QByteArray(text.toPercentEncoding() + " cut at " + QByteArray::number(cut)).constData());
         }
     }
 
