@@ -94,9 +94,19 @@ qint64 ManagedObjectContext::allocateKey(EntityType entity)
     return m_container.allocatePrimaryKey(entity);
 }
 
-void ManagedObjectContext::remember(const ObjectID &id, AnyEntity value)
+void ManagedObjectContext::remember(const AnyEntity &value)
 {
-    m_snapshots.insert(id, std::move(value));
+    std::visit([this](const auto &object) { remember(object); }, value);
+}
+
+void ManagedObjectContext::forget(const ObjectID &id)
+{
+    std::visit(
+        [this, &id](const auto &object) {
+            using T = std::decay_t<decltype(object)>;
+            snapshots<T>().remove(id.primaryKey);
+        },
+        emptyEntity(id.entity));
 }
 
 void ManagedObjectContext::recordUpdate(const ObjectID &id, AnyEntity value, quint64 changedFields)
@@ -299,13 +309,13 @@ void ManagedObjectContext::save()
     }
     for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it) {
         if (it->kind == Pending::Kind::deleted)
-            m_snapshots.remove(it.key());
+            forget(it.key());
         else
-            m_snapshots.insert(it.key(), it->value);
+            remember(it->value);
     }
     for (const ObjectID &id : std::as_const(changes.deleted)) {
         changes.updated.remove(id);
-        m_snapshots.remove(id);
+        forget(id);
     }
     m_pending.clear();
     m_container.postChanges(changes);
@@ -319,7 +329,7 @@ void ManagedObjectContext::rollback()
 
 void ManagedObjectContext::refresh(const ObjectID &id, bool mergeChanges)
 {
-    m_snapshots.remove(id);
+    forget(id);
     if (!mergeChanges && m_pending.remove(id))
         closeScratch();
 }
@@ -351,7 +361,7 @@ QList<ObjectID> ManagedObjectContext::batchDelete(EntityType entity)
         changes.deleted.insert(id);
     for (const ObjectID &id : std::as_const(changes.deleted)) {
         changes.updated.remove(id);
-        m_snapshots.remove(id);
+        forget(id);
         m_pending.remove(id);
     }
     m_container.postChanges(changes);
@@ -363,31 +373,64 @@ QList<BrickSetWithCatalogSet> ManagedObjectContext::fetchBrickSetsWithCatalogSet
     QueryCompiler compiler(EntityType::BrickSet, u"t0"_s);
     QList<SqlValue> bindings;
     const QString where = request.predicate.toSql(compiler, bindings);
-    const QString order = orderBy(compiler, request.sortDescriptors);
+    // A full list is ordered in two steps: SQLite sorts only the keys, then the wide rows
+    // are read in table order and put in place. Sorting whole rows of two tables costs
+    // more than both steps together.
+    const bool sortKeysFirst = request.fetchLimit <= 0 && !request.sortDescriptors.isEmpty();
+    const QString order = sortKeysFirst ? QString() : orderBy(compiler, request.sortDescriptors);
     const QString sql = u"SELECT "_s + columnList<BrickSet>(u"t0"_s) + u", "_s + columnList<CatalogSet>(u"c"_s)
         + u" FROM BrickSet t0 LEFT JOIN CatalogSet c ON c.pk = t0.catalogSet WHERE "_s + where + order
         + limitClause(request.fetchLimit);
     const int catalogColumn = int(EntityTraits<BrickSet>::fields().size()) + 1;
     QList<BrickSetWithCatalogSet> rows;
+    QHash<qint64, qsizetype> positions;
+    QHash<qint64, CatalogSet> catalogSets;
     beginRead();
+    // Both reads must see the same rows: hold one read transaction across them.
+    const bool ownTransaction = sortKeysFirst && !m_connection->inTransaction();
     try {
+        if (ownTransaction)
+            m_connection->execute("BEGIN DEFERRED");
+        if (sortKeysFirst) {
+            const QList<ObjectID> order = fetchObjectIDs(request);
+            positions.reserve(order.size());
+            for (qsizetype index = 0; index < order.size(); ++index)
+                positions.insert(order[index].primaryKey, index);
+            rows.resize(order.size());
+        }
         auto statement = m_connection->prepare(sql);
         bindAll(statement, bindings);
         while (statement.step()) {
             BrickSetWithCatalogSet row;
             readRow(row.brickSet, statement, 0);
             if (!m_pending.contains(row.brickSet.objectID))
-                remember(row.brickSet.objectID, row.brickSet);
+                remember(row.brickSet);
             if (!statement.isNull(catalogColumn)) {
-                CatalogSet catalogSet;
-                readRow(catalogSet, statement, catalogColumn);
-                if (!m_pending.contains(catalogSet.objectID))
-                    remember(catalogSet.objectID, catalogSet);
-                row.catalogSet = std::move(catalogSet);
+                // Copies of one set share its row: read it once per fetch.
+                const qint64 key = statement.integer(catalogColumn);
+                auto known = catalogSets.constFind(key);
+                if (known == catalogSets.cend()) {
+                    CatalogSet catalogSet;
+                    readRow(catalogSet, statement, catalogColumn);
+                    if (!m_pending.contains(catalogSet.objectID))
+                        remember(catalogSet);
+                    known = catalogSets.insert(key, catalogSet);
+                }
+                row.catalogSet = *known;
             }
-            rows.append(std::move(row));
+            if (!sortKeysFirst) {
+                rows.append(std::move(row));
+                continue;
+            }
+            const auto position = positions.constFind(row.brickSet.objectID.primaryKey);
+            if (position != positions.cend())
+                rows[*position] = std::move(row);
         }
+        if (ownTransaction)
+            m_connection->execute("COMMIT");
     } catch (...) {
+        if (ownTransaction)
+            sqlite3_exec(m_connection->handle(), "ROLLBACK", nullptr, nullptr, nullptr);
         endRead();
         throw;
     }

@@ -154,7 +154,18 @@ private:
     static QString orderBy(QueryCompiler &compiler, const QList<SortDescriptor> &descriptors);
     static QString limitClause(int limit);
     qint64 allocateKey(EntityType entity);
-    void remember(const ObjectID &id, AnyEntity value);
+    template <StoreEntity T>
+    QHash<qint64, T> &snapshots()
+    {
+        return std::get<QHash<qint64, T>>(m_snapshots);
+    }
+    template <StoreEntity T>
+    void remember(const T &object)
+    {
+        snapshots<T>().insert(object.objectID.primaryKey, object);
+    }
+    void remember(const AnyEntity &value);
+    void forget(const ObjectID &id);
     void recordUpdate(const ObjectID &id, AnyEntity value, quint64 changedFields);
 
     PersistentContainer &m_container;
@@ -164,7 +175,12 @@ private:
     QString m_name;
     MergePolicy m_mergePolicy = MergePolicy::mergeByPropertyObjectTrump;
     QHash<ObjectID, Pending> m_pending;
-    QHash<ObjectID, AnyEntity> m_snapshots; // what this context last read or wrote
+    // What this context last read or wrote of each object: the base that update()
+    // compares against. One table per entity keeps lookups cheap on large fetches.
+    std::tuple<QHash<qint64, CatalogSet>, QHash<qint64, CatalogPart>, QHash<qint64, CatalogColor>,
+               QHash<qint64, CatalogSetPart>, QHash<qint64, BrickSet>, QHash<qint64, PartInventoryEntry>,
+               QHash<qint64, CachedPriceGuide>, QHash<qint64, CachedInstructionURL>, QHash<qint64, WishlistItem>>
+        m_snapshots;
     qint64 m_sequence = 0;
     bool m_scratchOpen = false;
     int m_performDepth = 0;

@@ -36,7 +36,7 @@ QList<T> ManagedObjectContext::runFetch(const QString &where, const QList<SqlVal
             T object;
             readRow(object, statement, 0);
             if (!m_pending.contains(object.objectID))
-                remember(object.objectID, object);
+                remember(object);
             objects.append(std::move(object));
         }
     } catch (...) {
@@ -180,8 +180,8 @@ void ManagedObjectContext::update(const T &object)
         pending->applied = false;
         return;
     }
-    const auto snapshot = m_snapshots.constFind(id);
-    const quint64 changed = snapshot == m_snapshots.cend() ? ~quint64(0) : changedAgainst(std::get<T>(*snapshot));
+    const auto snapshot = snapshots<T>().constFind(id.primaryKey);
+    const quint64 changed = snapshot == snapshots<T>().cend() ? ~quint64(0) : changedAgainst(*snapshot);
     if (changed != 0)
         recordUpdate(id, AnyEntity(object), changed);
 }
