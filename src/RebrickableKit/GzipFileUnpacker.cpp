@@ -58,9 +58,14 @@ void GzipFileUnpacker::unpack(const QString &sourcePath, const QString &targetPa
         if (target.write(buffer.data(), read) != read)
             throw FileOperationError(FileOperationError::Kind::writeFailed, targetPath);
     }
-    // A file cut short ends in an error of gzread ("unexpected end of file") rather than in
-    // 0, once the part that did arrive has been handed out.
     if (read < 0)
+        throw DownloadError::decompressionFailed(sourceName);
+    // A file cut short is the trap: gzread hands out what did arrive and then reports 0, as
+    // at a proper end, and only gzerror tells them apart (Z_BUF_ERROR, "unexpected end of
+    // file"). Taken as success it would give a catalog quietly missing its last rows.
+    int status = Z_OK;
+    gzerror(source.get(), &status);
+    if (status != Z_OK)
         throw DownloadError::decompressionFailed(sourceName);
 }
 

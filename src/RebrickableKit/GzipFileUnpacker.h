@@ -15,7 +15,7 @@ public:
 
     // Replaces `targetPath` with the unpacked content of `sourcePath`, never appending to
     // what was there. Throws DownloadError::decompressionFailed when the source can't be
-    // opened or read to its end (a cut or damaged file), naming the source; when the target
+    // opened or read to its proper end (a file cut short or damaged), naming the source; when the target
     // can't be created, naming the target; FileOperationError when a leftover target can't
     // be removed or a write fails. A target left half written by a failure stays on disk.
     static void unpack(const QString &sourcePath, const QString &targetPath);

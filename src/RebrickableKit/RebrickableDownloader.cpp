@@ -225,10 +225,12 @@ QCoro::Task<> RebrickableDownloader::receiveBody(QString name, QString partialPa
     // in memory. The body of a refusal is read and dropped. A disk failure stops the
     // transfer; the abort is queued so that it never runs inside this very signal.
     std::optional<FileOperationError> diskFailure;
-    const auto writeArrivedBytes = [&partial, &diskFailure, replyObject] {
+    qint64 received = 0;
+    const auto writeArrivedBytes = [&partial, &diskFailure, &received, replyObject] {
         const QByteArray piece = replyObject->readAll();
         if (diskFailure || replyObject->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != 200)
             return;
+        received += piece.size();
         if (partial.write(piece) != piece.size()) {
             diskFailure.emplace(FileOperationError::Kind::writeFailed, partial.fileName());
             QMetaObject::invokeMethod(replyObject, &QNetworkReply::abort, Qt::QueuedConnection);
@@ -247,6 +249,14 @@ QCoro::Task<> RebrickableDownloader::receiveBody(QString name, QString partialPa
         if (diskFailure)
             throw *diskFailure;
         throwUnlessAnswered(*replyObject, name, stopToken);
+        // Qt may end a "Connection: close" response at the close without an error, even
+        // short of its Content-Length. The length is only comparable when the body came as
+        // sent, not decoded on the way.
+        const QVariant announced = replyObject->header(QNetworkRequest::ContentLengthHeader);
+        if (announced.isValid() && !replyObject->hasRawHeader("Content-Encoding")
+            && announced.toLongLong() != received) {
+            throw TransportError::incompleteBody(*replyObject);
+        }
     } catch (...) {
         QFile::remove(partialPath);
         throw;

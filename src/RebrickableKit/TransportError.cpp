@@ -11,6 +11,11 @@ TransportError TransportError::fromReply(const QNetworkReply &reply)
     return TransportError(kind, reply.error(), reply.url(), reply.errorString());
 }
 
+TransportError TransportError::incompleteBody(const QNetworkReply &reply)
+{
+    return TransportError(Kind::incomplete, QNetworkReply::RemoteHostClosedError, reply.url(), QString());
+}
+
 TransportError::TransportError(Kind kind, QNetworkReply::NetworkError code, QUrl url, QString message)
     : m_kind(kind)
     , m_code(code)
@@ -25,6 +30,8 @@ QString TransportError::description() const
     switch (m_kind) {
     case Kind::timedOut:
         return u"The request timed out."_s;
+    case Kind::incomplete:
+        return u"The connection closed before the whole file arrived."_s;
     case Kind::failed:
         return m_message;
     }

@@ -16,14 +16,16 @@ class TransportError : public std::exception
 {
 public:
     enum class Kind {
-        timedOut, // no data came for longer than the request's time-out
-        failed,   // any other failure of the connection
+        timedOut,   // no data came for longer than the request's time-out
+        incomplete, // the connection ended before the announced length had arrived
+        failed,     // any other failure of the connection
     };
 
     // What a finished reply with an error amounts to. A reply aborted by its time-out
     // reports OperationCanceledError; the caller has already told that apart from a stop
     // request, so here it can only mean the time-out.
     static TransportError fromReply(const QNetworkReply &reply);
+    static TransportError incompleteBody(const QNetworkReply &reply);
 
     TransportError(Kind kind, QNetworkReply::NetworkError code, QUrl url, QString message);
 
