@@ -34,6 +34,8 @@ const QString updateCheckName = u"sets"_s;
 // so a download cut off, refused or interrupted by a crash never looks like a whole one.
 const QString partialSuffix = u".part"_s;
 
+constexpr qint64 readBufferSize = 1024 * 1024;
+
 struct ReplyDeleter
 {
     void operator()(QNetworkReply *reply) const
@@ -220,6 +222,9 @@ QCoro::Task<> RebrickableDownloader::receiveBody(QString name, QString partialPa
     request.setTransferTimeout(int(m_downloadTimeout.count()));
     const ReplyPointer reply(m_network->get(request));
     QNetworkReply *const replyObject = reply.get();
+    // Bounds what waits in memory for this thread: Qt's network thread otherwise keeps
+    // reading into the reply while this thread is busy elsewhere.
+    replyObject->setReadBufferSize(readBufferSize);
 
     // Each piece of the body goes to disk as soon as it arrives, so a dump never sits whole
     // in memory. The body of a refusal is read and dropped. A disk failure stops the

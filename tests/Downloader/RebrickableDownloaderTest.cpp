@@ -14,10 +14,12 @@
 #include <RebrickableKit/TransportError.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 #include <stop_token>
@@ -458,6 +460,31 @@ private Q_SLOTS:
         const auto outcome = QCoro::waitFor(std::move(running));
         QVERIFY2(outcome.value, qPrintable(outcome.failureText()));
         QCOMPARE(QFileInfo(output(u"sets.csv"_s)).size(), GzipTestFiles::recordedUnpackedSize(dump(u"sets"_s)));
+    }
+
+    void theEventLoopKeepsTurningWhileDumpsDownloadAndUnpack()
+    {
+        // A timer that should fire every few milliseconds; the longest gap between two of its
+        // ticks is the longest time the thread was kept from its events. Unpacking the largest
+        // dump alone takes several hundred milliseconds, so the bound catches it being done
+        // on this thread, with room left for a busy machine.
+        QElapsedTimer clock;
+        qint64 lastTick = 0;
+        qint64 longestGap = 0;
+        QTimer ticker;
+        ticker.setInterval(2);
+        connect(&ticker, &QTimer::timeout, this, [&] {
+            const qint64 now = clock.elapsed();
+            longestGap = std::max(longestGap, now - lastTick);
+            lastTick = now;
+        });
+        clock.start();
+        ticker.start();
+        const auto outcome = waitForOutcome(makeDownloader()->downloadAll());
+        ticker.stop();
+        QVERIFY2(outcome.value, qPrintable(outcome.failureText()));
+        qInfo("Longest gap between event loop ticks during the download: %lld ms", longestGap);
+        QVERIFY2(longestGap < 200, qPrintable(QString::number(longestGap)));
     }
 
     // --- Faults
