@@ -2,6 +2,7 @@
 #include "CSVTokenizer.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace RebrickableKit {
@@ -12,6 +13,17 @@ constexpr char quote = '"';
 constexpr char comma = ',';
 constexpr char lineFeed = '\n';
 constexpr char carriageReturn = '\r';
+
+// The bytes that mean something outside quotes; everything else is skipped in a tight
+// loop, which is where the time of a large dump goes.
+constexpr auto specialBytes = [] {
+    std::array<bool, 256> table {};
+    table[static_cast<unsigned char>(quote)] = true;
+    table[static_cast<unsigned char>(comma)] = true;
+    table[static_cast<unsigned char>(lineFeed)] = true;
+    table[static_cast<unsigned char>(carriageReturn)] = true;
+    return table;
+}();
 
 } // namespace
 
@@ -77,6 +89,10 @@ void CSVTokenizer::scan()
             m_quotePending = true;
             continue;
         }
+        while (m_position < size && !specialBytes[static_cast<unsigned char>(data[m_position])])
+            ++m_position;
+        if (m_position == size)
+            break;
         const char byte = data[m_position];
         switch (byte) {
         case quote:
@@ -103,8 +119,7 @@ void CSVTokenizer::scan()
             m_skipLineFeed = true;
             break;
         default:
-            ++m_position;
-            break;
+            Q_UNREACHABLE();
         }
     }
 }
