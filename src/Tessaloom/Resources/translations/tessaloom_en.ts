@@ -84,5 +84,13 @@
 Your LEGO collection, its parts and its value, on your own computer.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="image.loading">
+        <source>Loading picture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="image.unavailable">
+        <source>Picture unavailable</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
