@@ -9,6 +9,8 @@
 #include <QTest>
 #include <QThread>
 
+#include <atomic>
+
 using namespace Qt::StringLiterals;
 using namespace StoreFixtures;
 
@@ -353,6 +355,32 @@ private Q_SLOTS:
             return c.count(FetchRequest<CatalogPart>());
         });
         QCOMPARE(parts, qint64(50));
+    }
+
+    void longBackgroundBlockWithPendingChangesLetsOtherWritersIn()
+    {
+        std::atomic<bool> otherSaved = false;
+        auto reader = m_store->newBackgroundContext();
+        auto writer = m_store->newBackgroundContext();
+        // A long find-or-create loop: pending changes keep a write transaction open for
+        // its reads, which must be let go now and then.
+        auto loop = reader->perform([&otherSaved](ManagedObjectContext &context) {
+            context.insert(catalogSet(u"1-1"_s, u"Pending"_s));
+            QElapsedTimer timer;
+            timer.start();
+            while (!otherSaved && timer.elapsed() < 8000)
+                context.count(FetchRequest<CatalogSet>(Predicate::equal(u"setNumber"_s, u"1-1"_s)));
+            context.save();
+            return bool(otherSaved);
+        });
+        QTest::qWait(50);
+        writer->performAndWait([](ManagedObjectContext &context) {
+            context.insert(catalogSet(u"2-1"_s, u"Other"_s));
+            context.save();
+        });
+        otherSaved = true;
+        QVERIFY(loop.result());
+        QCOMPARE(m_store->viewContext().count(FetchRequest<CatalogSet>()), qint64(2));
     }
 
 private:

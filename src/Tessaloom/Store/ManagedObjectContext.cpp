@@ -12,6 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr qint64 maximumScratchMilliseconds = 250;
+
 AnyEntity emptyEntity(EntityType type)
 {
     switch (type) {
@@ -161,9 +163,16 @@ void ManagedObjectContext::beginRead()
 void ManagedObjectContext::applyPendingForRead()
 {
     if (!m_scratchOpen) {
-        m_connection->execute("BEGIN IMMEDIATE");
-        m_connection->execute("PRAGMA defer_foreign_keys = ON");
+        m_container.acquireWriteTurn();
+        try {
+            m_connection->execute("BEGIN IMMEDIATE");
+        } catch (...) {
+            m_container.releaseWriteTurn();
+            throw;
+        }
         m_scratchOpen = true;
+        m_scratchAge.start();
+        m_connection->execute("PRAGMA defer_foreign_keys = ON");
         for (auto &pending : m_pending)
             pending.applied = false;
     }
@@ -187,7 +196,12 @@ void ManagedObjectContext::applyPendingForRead()
 void ManagedObjectContext::endRead()
 {
     --m_readDepth;
-    if (m_scratchOpen && m_performDepth == 0 && m_readDepth == 0)
+    if (!m_scratchOpen || m_readDepth > 0)
+        return;
+    // Inside a perform() block the transaction that shows pending changes stays open, so
+    // a find-or-create loop writes each change once, but only for a short while: it holds
+    // the store's write lock, and other contexts must get their turn.
+    if (m_performDepth == 0 || m_scratchAge.elapsed() > maximumScratchMilliseconds)
         closeScratch();
 }
 
@@ -199,6 +213,7 @@ void ManagedObjectContext::closeScratch()
         qCWarning(lcPersistence) << "Rolling back a read of pending changes failed:"
                                  << sqlite3_errmsg(m_connection->handle());
     m_scratchOpen = false;
+    m_container.releaseWriteTurn();
     for (auto &pending : m_pending)
         pending.applied = false;
 }
@@ -290,9 +305,11 @@ void ManagedObjectContext::save()
         return std::tuple(int(a.kind), int(left.entity), a.sequence) < std::tuple(int(b.kind), int(right.entity), b.sequence);
     });
     StoreChanges changes;
+    m_container.acquireWriteTurn();
     try {
         m_connection->execute("BEGIN IMMEDIATE");
     } catch (const StoreError &error) {
+        m_container.releaseWriteTurn();
         throw StoreError(StoreError::Kind::saveFailed, error.detail(), error.sqliteCode());
     }
     try {
@@ -304,9 +321,11 @@ void ManagedObjectContext::save()
         m_connection->execute("COMMIT");
     } catch (const StoreError &error) {
         sqlite3_exec(m_connection->handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+        m_container.releaseWriteTurn();
         qCWarning(lcPersistence) << "Saving" << m_name << "failed:" << error.description();
         throw StoreError(StoreError::Kind::saveFailed, error.detail(), error.sqliteCode());
     }
+    m_container.releaseWriteTurn();
     for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it) {
         if (it->kind == Pending::Kind::deleted)
             forget(it.key());
@@ -339,7 +358,13 @@ QList<ObjectID> ManagedObjectContext::batchDelete(EntityType entity)
     closeScratch();
     StoreChanges changes;
     QList<ObjectID> deleted;
-    m_connection->execute("BEGIN IMMEDIATE");
+    m_container.acquireWriteTurn();
+    try {
+        m_connection->execute("BEGIN IMMEDIATE");
+    } catch (...) {
+        m_container.releaseWriteTurn();
+        throw;
+    }
     try {
         const QString table = entityName(entity);
         auto rows = m_connection->prepare(u"SELECT pk FROM "_s + table);
@@ -355,8 +380,10 @@ QList<ObjectID> ManagedObjectContext::batchDelete(EntityType entity)
         m_connection->execute("COMMIT");
     } catch (...) {
         sqlite3_exec(m_connection->handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+        m_container.releaseWriteTurn();
         throw;
     }
+    m_container.releaseWriteTurn();
     for (const ObjectID &id : std::as_const(deleted))
         changes.deleted.insert(id);
     for (const ObjectID &id : std::as_const(changes.deleted)) {

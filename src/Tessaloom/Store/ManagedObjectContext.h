@@ -7,6 +7,7 @@
 #include "Store/StoreConnection.h"
 #include "Store/StoreError.h"
 
+#include <QElapsedTimer>
 #include <QException>
 #include <QFuture>
 #include <QFutureInterface>
@@ -183,6 +184,7 @@ private:
         m_snapshots;
     qint64 m_sequence = 0;
     bool m_scratchOpen = false;
+    QElapsedTimer m_scratchAge;
     int m_performDepth = 0;
     int m_readDepth = 0;
 };

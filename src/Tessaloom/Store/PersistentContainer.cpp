@@ -139,3 +139,18 @@ void PersistentContainer::postChanges(const StoreChanges &changes)
     }
     QMetaObject::invokeMethod(this, [this, changes] { Q_EMIT objectsDidChange(changes); }, Qt::QueuedConnection);
 }
+
+void PersistentContainer::acquireWriteTurn()
+{
+    QMutexLocker locker(&m_turnMutex);
+    const quint64 turn = m_nextTurn++;
+    while (turn != m_servingTurn)
+        m_turnChanged.wait(&m_turnMutex);
+}
+
+void PersistentContainer::releaseWriteTurn()
+{
+    QMutexLocker locker(&m_turnMutex);
+    ++m_servingTurn;
+    m_turnChanged.wakeAll();
+}

@@ -6,6 +6,7 @@
 
 #include <QMutex>
 #include <QObject>
+#include <QWaitCondition>
 #include <QString>
 
 #include <array>
@@ -46,6 +47,12 @@ public:
     qint64 allocatePrimaryKey(EntityType entity);
     void postChanges(const StoreChanges &changes);
 
+    // Contexts of this process take turns at the store's single write lock in the order
+    // they ask, rather than racing SQLite's busy retries, which a context that keeps
+    // reading its pending changes would win every time.
+    void acquireWriteTurn();
+    void releaseWriteTurn();
+
 Q_SIGNALS:
     void objectsDidChange(const StoreChanges &changes);
 
@@ -57,5 +64,9 @@ private:
     std::unique_ptr<StoreConnection> m_anchor; // keeps an in-memory database alive
     std::shared_ptr<ManagedObjectContext> m_viewContext;
     QMutex m_keyMutex;
+    QMutex m_turnMutex;
+    QWaitCondition m_turnChanged;
+    quint64 m_nextTurn = 0;
+    quint64 m_servingTurn = 0;
     std::array<qint64, 9> m_lastKeys{};
 };
