@@ -95,8 +95,9 @@ bool TableImporter::bindRow(SQLiteStatement &statement, const CatalogSchema::Imp
             statement.bind(CSVFieldRules::boolean(field));
             break;
         case Column::relationType: {
-            const QString letter = QString::fromUtf8(field.data(), qsizetype(field.size()));
-            if (!PartRelationship::relationType(letter)) {
+            // One ASCII letter or nothing: a longer field can't match, whatever it holds.
+            const char16_t letter = field.size() == 1 ? char16_t(static_cast<unsigned char>(field[0])) : u'\0';
+            if (!PartRelationship::relationType(QStringView(&letter, 1))) {
                 statement.reset();
                 return false;
             }
