@@ -400,10 +400,11 @@ QList<BrickSetWithCatalogSet> ManagedObjectContext::fetchBrickSetsWithCatalogSet
     QueryCompiler compiler(EntityType::BrickSet, u"t0"_s);
     QList<SqlValue> bindings;
     const QString where = request.predicate.toSql(compiler, bindings);
-    // A full list is ordered in two steps: SQLite sorts only the keys, then the wide rows
+    // A full list is read in two steps: SQLite orders only the keys, then the wide rows
     // are read in table order and put in place. Sorting whole rows of two tables costs
-    // more than both steps together.
-    const bool sortKeysFirst = request.fetchLimit <= 0 && !request.sortDescriptors.isEmpty();
+    // more than both steps together, and knowing the count first spares regrowing the
+    // list of rows.
+    const bool sortKeysFirst = request.fetchLimit <= 0;
     const QString order = sortKeysFirst ? QString() : orderBy(compiler, request.sortDescriptors);
     const QString sql = u"SELECT "_s + columnList<BrickSet>(u"t0"_s) + u", "_s + columnList<CatalogSet>(u"c"_s)
         + u" FROM BrickSet t0 LEFT JOIN CatalogSet c ON c.pk = t0.catalogSet WHERE "_s + where + order
@@ -430,8 +431,6 @@ QList<BrickSetWithCatalogSet> ManagedObjectContext::fetchBrickSetsWithCatalogSet
         while (statement.step()) {
             BrickSetWithCatalogSet row;
             readRow(row.brickSet, statement, 0);
-            if (!m_pending.contains(row.brickSet.objectID))
-                remember(row.brickSet);
             if (!statement.isNull(catalogColumn)) {
                 // Copies of one set share its row: read it once per fetch.
                 const qint64 key = statement.integer(catalogColumn);
@@ -439,8 +438,6 @@ QList<BrickSetWithCatalogSet> ManagedObjectContext::fetchBrickSetsWithCatalogSet
                 if (known == catalogSets.cend()) {
                     CatalogSet catalogSet;
                     readRow(catalogSet, statement, catalogColumn);
-                    if (!m_pending.contains(catalogSet.objectID))
-                        remember(catalogSet);
                     known = catalogSets.insert(key, catalogSet);
                 }
                 row.catalogSet = *known;

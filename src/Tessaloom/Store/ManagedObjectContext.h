@@ -33,8 +33,8 @@ struct BrickSetWithCatalogSet
 // save. Fetches see the context's own pending changes, as if they were saved.
 //
 // Changes are tracked property by property: update() compares the value with what this
-// context last read or wrote for the object, and only the properties that differ are
-// written. So when two contexts change the same object, the later save wins for the
+// context last read or wrote for the object (or, when it holds nothing of it, with the
+// stored object), and only the properties that differ are written. So when two contexts change the same object, the later save wins for the
 // properties it changed, and nothing else is lost.
 //
 // The view context is used on the main thread only. A background context is used only
@@ -79,7 +79,9 @@ public:
     template <StoreEntity T>
     QList<T> related(const ObjectID &owner, const QString &relationship);
 
-    // Copies that match `request`, each with its catalog set, in one query.
+    // Copies that match `request`, each with its catalog set, in one query. Meant for
+    // lists that refetch on every change: it keeps no snapshot of what it read, so an
+    // update() of such a value is compared with the stored object at that moment.
     QList<BrickSetWithCatalogSet> fetchBrickSetsWithCatalogSets(const FetchRequest<BrickSet> &request);
     // Over a copy's part inventory entries: the sum of quantityOwned, the sum of the
     // quantity of their inventory lines, and the number of entries.

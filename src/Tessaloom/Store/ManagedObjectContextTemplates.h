@@ -180,7 +180,16 @@ void ManagedObjectContext::update(const T &object)
         pending->applied = false;
         return;
     }
-    const auto snapshot = snapshots<T>().constFind(id.primaryKey);
+    auto snapshot = snapshots<T>().constFind(id.primaryKey);
+    if (snapshot == snapshots<T>().cend()) {
+        // Nothing read here before: compare with the stored object, which the fetch
+        // remembers. A read failure or a missing object writes every property.
+        try {
+            runFetch<T>(QStringLiteral("t0.pk = ?"), {SqlValue(id.primaryKey)}, QString(), 1);
+        } catch (const StoreError &) {
+        }
+        snapshot = snapshots<T>().constFind(id.primaryKey);
+    }
     const quint64 changed = snapshot == snapshots<T>().cend() ? ~quint64(0) : changedAgainst(*snapshot);
     if (changed != 0)
         recordUpdate(id, AnyEntity(object), changed);
