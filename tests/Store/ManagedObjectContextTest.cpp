@@ -383,6 +383,27 @@ private Q_SLOTS:
         QCOMPARE(m_store->viewContext().count(FetchRequest<CatalogSet>()), qint64(2));
     }
 
+    void listValuesUpdateOnlyThePropertiesTheyChange()
+    {
+        auto &context = m_store->viewContext();
+        const auto set = context.insert(catalogSet(u"8-1"_s, u"Eight"_s));
+        context.insert(newCopy(set.objectID));
+        context.save();
+        auto other = PersistentContainer::open(m_store->path()); // a context with no snapshots at all
+        auto rows = other->viewContext().fetchBrickSetsWithCatalogSets(FetchRequest<BrickSet>());
+        QCOMPARE(rows.size(), 1);
+        QCOMPARE(rows.first().catalogSet->name, std::optional<QString>(u"Eight"_s));
+        other->viewContext().update(rows.first().brickSet);
+        QVERIFY(!other->viewContext().hasChanges());
+        BrickSet copy = rows.first().brickSet;
+        copy.isFavorite = true;
+        other->viewContext().update(copy);
+        QVERIFY(other->viewContext().hasChanges());
+        other->viewContext().save();
+        context.refresh(copy.objectID, true);
+        QCOMPARE(*context.existingObject<BrickSet>(copy.objectID), copy);
+    }
+
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<PersistentContainer> m_store;
