@@ -13,6 +13,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QStandardPaths>
+#include <QThread>
 #include <QtConcurrent>
 
 using namespace Qt::StringLiterals;
@@ -44,6 +45,7 @@ ImageCacheService::ImageCacheService(const QString &cachesDirectory, QObject *pa
     , m_memoryCache(memoryCountLimit, memoryTotalCostLimit)
     , m_thumbnailCache(thumbnailCountLimit, thumbnailTotalCostLimit)
     , m_fetchSemaphore(maximumConcurrentFetches)
+    , m_decodeSlots(std::max(1, QThread::idealThreadCount()))
     , m_clock([] { return double(QDateTime::currentMSecsSinceEpoch()) / 1000.0; })
 {
     const QDir caches(cachesDirectory.isEmpty() ? defaultCachesDirectory() : cachesDirectory);
@@ -91,8 +93,18 @@ void ImageCacheService::storeInMemory(const QString &key, const QImage &image)
 
 QCoro::Task<QImage> ImageCacheService::readFromDisk(QString key)
 {
+    co_await m_decodeSlots.acquire();
     const ImageFileStore::ReadImage read = co_await QtConcurrent::run(&ImageFileStore::readImage, diskPath(key));
+    m_decodeSlots.release();
     co_return read.image;
+}
+
+QCoro::Task<QImage> ImageCacheService::decode(QByteArray bytes)
+{
+    co_await m_decodeSlots.acquire();
+    const QImage image = co_await QtConcurrent::run(&ImageFileStore::decode, bytes);
+    m_decodeSlots.release();
+    co_return image;
 }
 
 QCoro::Task<QImage> ImageCacheService::image(QString urlString)
@@ -213,7 +225,7 @@ QCoro::Task<QImage> ImageCacheService::fetchFromNetwork(QString urlString, QStri
         co_await markFailed(urlString, gone);
         co_return QImage();
     }
-    const QImage decoded = co_await QtConcurrent::run(&ImageFileStore::decode, response.body);
+    const QImage decoded = co_await decode(response.body);
     if (decoded.isNull()) {
         qCInfo(lcCache, "fetchFromNetwork: invalid image data (%lld bytes): %s",
                qint64(response.body.size()), brief(urlString).constData());

@@ -85,6 +85,7 @@ public:
 
 private:
     QCoro::Task<QImage> readFromDisk(QString key);
+    QCoro::Task<QImage> decode(QByteArray bytes);
     QCoro::Task<void> runFetch(QString urlString, QString key, QString path,
                                std::shared_ptr<PendingImage> pending);
     QCoro::Task<QImage> fetchFromNetwork(QString urlString, QString key, QString path,
@@ -104,6 +105,10 @@ private:
     QString m_negativeCacheDirectory;
     QString m_thumbnailDiskDirectory;
     AsyncSemaphore m_fetchSemaphore;
+    // Decoding is let into the thread pool a few at a time: with hundreds of pictures
+    // queued at once, the pool would otherwise decode them all before it scales the
+    // first, and hold every decoded picture meanwhile.
+    AsyncSemaphore m_decodeSlots;
     QSet<QString> m_failedURLs;
     QHash<QString, std::shared_ptr<PendingImage>> m_inFlightTasks;
     QHash<QString, double> m_transientFailures;
