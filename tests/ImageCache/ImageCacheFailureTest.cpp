@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QUrl>
 #include <QTest>
 
 #include <memory>
@@ -231,6 +232,17 @@ private Q_SLOTS:
         QVERIFY(m_service->isPermanentlyFailedInMemory(url(u"/bad/html.png"_s)));
         QVERIFY(QFile::exists(negativeFile(url(u"/bad/html.png"_s))));
         QVERIFY(QDir(m_service->diskCacheDirectory()).isEmpty());
+    }
+
+    void answerWithoutHttpStatusIsATransientFailure()
+    {
+        // A file URL is answered without any HTTP status, even when the file is a picture.
+        const QString path = m_caches->filePath(u"local.png"_s);
+        writeFile(path, TestPictures::png());
+        const QString picture = QUrl::fromLocalFile(path).toString();
+        QVERIFY(fetch(picture).isNull());
+        QVERIFY(m_service->isTransientlyFailed(picture));
+        QVERIFY(!m_service->isPermanentlyFailedInMemory(picture));
     }
 
     void truncatedBodyIsATransientFailure()

@@ -8,12 +8,25 @@
 #include <QCoroTask>
 #include <QDir>
 #include <QFile>
+#include <QLoggingCategory>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
 #include <vector>
+
+namespace {
+
+// Log lines caught while a test runs: category and text.
+QList<QPair<QString, QString>> caughtLines;
+
+void catchLine(QtMsgType, const QMessageLogContext &context, const QString &message)
+{
+    caughtLines.append({QString::fromUtf8(context.category), message});
+}
+
+} // namespace
 
 using namespace Qt::StringLiterals;
 
@@ -146,6 +159,26 @@ private Q_SLOTS:
         QCOMPARE(fetch(picture).size(), QSize(30, 30));
         QCOMPARE(m_server.requestCount(u"/rb/media/sets/1003-1.png"_s), 1);
         QCOMPARE(m_service->memoryCache().count(), 1);
+    }
+
+    void logLinesGoToTheCacheCategoryWithTheUrlCutToSixtyCharacters()
+    {
+        const QString longPath = u"/rb/media/sets/"_s + QString(80, u'x') + u".png"_s;
+        m_server.serveBytes(longPath, TestPictures::png());
+        const QString picture = url(longPath);
+        QVERIFY(!fetch(picture).isNull());
+
+        QLoggingCategory::setFilterRules(u"com.tessaloom.app.cache.debug=true"_s);
+        caughtLines.clear();
+        const QtMessageHandler previous = qInstallMessageHandler(catchLine);
+        const QImage fromMemory = fetch(picture);
+        qInstallMessageHandler(previous);
+        QLoggingCategory::setFilterRules(QString());
+
+        QVERIFY(!fromMemory.isNull());
+        const QPair<QString, QString> expected{u"com.tessaloom.app.cache"_s,
+                                               u"image(for:) memory hit: "_s + picture.left(60)};
+        QVERIFY2(caughtLines.contains(expected), qPrintable(caughtLines.value(0).second));
     }
 
     void undecodableDiskFileCountsAsAMissAndStays()
