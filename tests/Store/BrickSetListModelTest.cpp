@@ -153,6 +153,31 @@ private Q_SLOTS:
         QCOMPARE(refetches.size(), 1);
     }
 
+    void addingAndTrashingCopiesMovesSingleRowsWithoutReset()
+    {
+        auto &context = m_store->viewContext();
+        auto castleCopy = context.insert(newCopy(m_castle.objectID));
+        context.save();
+        BrickSetListModel model(*m_store);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setFetchRequest(collectionRequest());
+        QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
+        QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+        QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+        const auto falconCopy = context.insert(newCopy(m_falcon.objectID));
+        context.save();
+        QCOMPARE(inserted.size(), 1);
+        QCOMPARE(inserted.first().at(1).toInt(), 1); // "Lion..." sorts before "Millennium..."
+        QCOMPARE(model.rowOf(falconCopy.objectID), 1);
+        castleCopy.isTrashed = true;
+        context.update(castleCopy);
+        context.save();
+        QCOMPARE(removed.size(), 1);
+        QCOMPARE(removed.first().at(1).toInt(), 0);
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(model.rowCount(), 1);
+    }
+
 private:
     static FetchRequest<BrickSet> collectionRequest()
     {

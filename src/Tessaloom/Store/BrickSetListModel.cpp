@@ -75,35 +75,99 @@ void BrickSetListModel::onObjectsDidChange(const StoreChanges &changes)
         qCWarning(lcPersistence) << "Refetching the copy list failed:" << error.description();
         return;
     }
-    bool sameRows = ids.size() == m_rows.size();
-    for (qsizetype row = 0; sameRows && row < ids.size(); ++row)
-        sameRows = ids[row] == m_rows[row].brickSet.objectID;
-    if (!sameRows) {
-        refetch();
-        return;
-    }
-    // Same copies in the same order: reread only the rows whose copy or catalog set
-    // changed.
+    // Rows to read again: new ones, and those whose copy or catalog set changed.
+    auto changed = [&changes](const std::optional<ObjectID> &id) {
+        return id && (changes.updated.contains(*id) || changes.deleted.contains(*id) || changes.inserted.contains(*id));
+    };
+    QHash<qint64, qsizetype> oldRows;
+    for (qsizetype row = 0; row < m_rows.size(); ++row)
+        oldRows.insert(m_rows[row].brickSet.objectID.primaryKey, row);
     QList<ObjectID> stale;
-    for (const auto &row : std::as_const(m_rows)) {
-        const bool copyChanged = changes.updated.contains(row.brickSet.objectID);
-        const bool catalogChanged = row.brickSet.catalogSet
-            && (changes.updated.contains(*row.brickSet.catalogSet) || changes.deleted.contains(*row.brickSet.catalogSet)
-                || changes.inserted.contains(*row.brickSet.catalogSet));
-        if (copyChanged || catalogChanged)
-            stale.append(row.brickSet.objectID);
+    for (const ObjectID &id : std::as_const(ids)) {
+        const auto old = oldRows.constFind(id.primaryKey);
+        if (old == oldRows.cend() || changed(m_rows[*old].brickSet.objectID) || changed(m_rows[*old].brickSet.catalogSet))
+            stale.append(id);
     }
+    QHash<qint64, BrickSetWithCatalogSet> fresh;
     if (!stale.isEmpty()) {
-        const auto fresh = fetchRows(FetchRequest<BrickSet>(Predicate::objectIn(stale)));
-        for (const auto &row : fresh) {
-            const int index = rowOf(row.brickSet.objectID);
-            if (index < 0)
+        for (auto &row : fetchRows(FetchRequest<BrickSet>(Predicate::objectIn(stale))))
+            fresh.insert(row.brickSet.objectID.primaryKey, std::move(row));
+    }
+    applyRows(ids, fresh);
+    Q_EMIT refetched();
+}
+
+void BrickSetListModel::applyRows(const QList<ObjectID> &ids, QHash<qint64, BrickSetWithCatalogSet> &fresh)
+{
+    const int oldCount = count();
+    QSet<qint64> wanted;
+    for (const ObjectID &id : ids)
+        wanted.insert(id.primaryKey);
+    // Removals, as contiguous blocks from the end so earlier row numbers stay valid.
+    for (qsizetype row = m_rows.size() - 1; row >= 0;) {
+        if (wanted.contains(m_rows[row].brickSet.objectID.primaryKey)) {
+            --row;
+            continue;
+        }
+        qsizetype first = row;
+        while (first > 0 && !wanted.contains(m_rows[first - 1].brickSet.objectID.primaryKey))
+            --first;
+        beginRemoveRows(QModelIndex(), int(first), int(row));
+        m_rows.remove(first, row - first + 1);
+        endRemoveRows();
+        row = first - 1;
+    }
+    // What stays keeps its relative order unless a sort key changed; then the layout moves.
+    bool sameOrder = true;
+    {
+        QSet<qint64> present;
+        for (const auto &row : std::as_const(m_rows))
+            present.insert(row.brickSet.objectID.primaryKey);
+        qsizetype next = 0;
+        for (const ObjectID &id : ids) {
+            if (next < m_rows.size() && m_rows[next].brickSet.objectID == id)
+                ++next;
+            else if (!fresh.contains(id.primaryKey) || present.contains(id.primaryKey))
+                sameOrder = false;
+        }
+        sameOrder = sameOrder && next == m_rows.size();
+    }
+    if (!sameOrder) {
+        // Rare (a renamed set moves): rebuild in one reset.
+        QHash<qint64, BrickSetWithCatalogSet> kept;
+        for (auto &row : m_rows)
+            kept.insert(row.brickSet.objectID.primaryKey, std::move(row));
+        beginResetModel();
+        m_rows.clear();
+        for (const ObjectID &id : ids) {
+            if (fresh.contains(id.primaryKey))
+                m_rows.append(fresh.take(id.primaryKey));
+            else if (kept.contains(id.primaryKey))
+                m_rows.append(kept.take(id.primaryKey));
+        }
+        endResetModel();
+    } else {
+        // Insertions and changed rows in place.
+        for (qsizetype index = 0; index < ids.size(); ++index) {
+            const qint64 key = ids[index].primaryKey;
+            const bool present = index < m_rows.size() && m_rows[index].brickSet.objectID.primaryKey == key;
+            const auto update = fresh.find(key);
+            if (present) {
+                if (update != fresh.end()) {
+                    m_rows[index] = std::move(*update);
+                    Q_EMIT dataChanged(this->index(int(index)), this->index(int(index)));
+                }
                 continue;
-            m_rows[index] = row;
-            Q_EMIT dataChanged(this->index(index), this->index(index));
+            }
+            if (update == fresh.end())
+                continue; // vanished between the two reads: the next notice settles it
+            beginInsertRows(QModelIndex(), int(index), int(index));
+            m_rows.insert(index, std::move(*update));
+            endInsertRows();
         }
     }
-    Q_EMIT refetched();
+    if (count() != oldCount)
+        Q_EMIT countChanged();
 }
 
 int BrickSetListModel::rowCount(const QModelIndex &parent) const

@@ -15,8 +15,9 @@ class PersistentContainer;
 // that touches an entity the request reads, whichever context made it, so the list and
 // its count follow every save without a manual refresh.
 //
-// When a commit leaves the selection and order unchanged (one copy edited), only the
-// affected rows are reread and reported as changed; otherwise the model is reset.
+// After a commit only the rows that are new or whose copy or catalog set changed are
+// reread; removed, inserted and changed rows are reported as such, so views keep their
+// selection. Only a change of order (a renamed set moving) resets the model.
 class BrickSetListModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -58,6 +59,7 @@ Q_SIGNALS:
 
 private:
     void onObjectsDidChange(const StoreChanges &changes);
+    void applyRows(const QList<ObjectID> &ids, QHash<qint64, BrickSetWithCatalogSet> &fresh);
     QList<BrickSetWithCatalogSet> fetchRows(const FetchRequest<BrickSet> &request) const;
 
     PersistentContainer &m_container;
