@@ -39,36 +39,6 @@ AnyEntity emptyEntity(EntityType type)
     return BrickSet{};
 }
 
-template <typename T>
-QString insertSql(bool upsert)
-{
-    const auto &fields = EntityTraits<T>::fields();
-    QString columns = u"pk"_s;
-    QString values = u"?"_s;
-    QString updates;
-    for (const auto &field : fields) {
-        columns += u", "_s + field.name;
-        values += u", ?"_s;
-        updates += (updates.isEmpty() ? u""_s : u", "_s) + field.name + u" = excluded."_s + field.name;
-    }
-    QString sql = u"INSERT INTO "_s + entityName(EntityTraits<T>::type) + u" ("_s + columns + u") VALUES ("_s + values + u')';
-    if (upsert)
-        sql += u" ON CONFLICT(pk) DO UPDATE SET "_s + updates;
-    return sql;
-}
-
-template <typename T>
-QString updateSql(quint64 changedFields)
-{
-    const auto &fields = EntityTraits<T>::fields();
-    QStringList assignments;
-    for (qsizetype index = 0; index < fields.size(); ++index) {
-        if (changedFields & (quint64(1) << index))
-            assignments.append(fields[index].name + u" = ?"_s);
-    }
-    return u"UPDATE "_s + entityName(EntityTraits<T>::type) + u" SET "_s + assignments.join(u", "_s) + u" WHERE pk = ?"_s;
-}
-
 } // namespace
 
 ManagedObjectContext::ManagedObjectContext(PersistentContainer &container, ConcurrencyType type,
@@ -188,7 +158,7 @@ void ManagedObjectContext::applyPendingForRead()
     });
     for (const ObjectID &id : std::as_const(order)) {
         Pending &pending = m_pending[id];
-        writeChange(id, pending, true, nullptr);
+        ChangeWriter::write(*m_connection, id, pending.kind, pending.value, pending.changedFields, true, nullptr);
         pending.applied = true;
     }
 }
@@ -216,61 +186,6 @@ void ManagedObjectContext::closeScratch()
     m_container.releaseWriteTurn();
     for (auto &pending : m_pending)
         pending.applied = false;
-}
-
-void ManagedObjectContext::writeChange(const ObjectID &id, const Pending &pending, bool upsert, StoreChanges *changes)
-{
-    std::visit(
-        [&](const auto &object) {
-            using T = std::decay_t<decltype(object)>;
-            const auto &fields = EntityTraits<T>::fields();
-            switch (pending.kind) {
-            case Pending::Kind::inserted: {
-                auto statement = m_connection->prepare(insertSql<T>(upsert));
-                statement.bindInteger(1, id.primaryKey);
-                for (qsizetype index = 0; index < fields.size(); ++index)
-                    fields[index].bind(object, statement, int(index) + 2);
-                statement.run();
-                if (changes)
-                    changes->inserted.insert(id);
-                break;
-            }
-            case Pending::Kind::updated: {
-                auto statement = m_connection->prepare(updateSql<T>(pending.changedFields));
-                int parameter = 1;
-                for (qsizetype index = 0; index < fields.size(); ++index) {
-                    if (pending.changedFields & (quint64(1) << index))
-                        fields[index].bind(object, statement, parameter++);
-                }
-                statement.bindInteger(parameter, id.primaryKey);
-                statement.run();
-                // An object deleted by another context meanwhile stays deleted.
-                if (changes && sqlite3_changes(m_connection->handle()) > 0)
-                    changes->updated.insert(id);
-                break;
-            }
-            case Pending::Kind::deleted: {
-                if (changes) {
-                    for (const auto &reference : StoreSchema::entity(id.entity).referencedBy) {
-                        auto statement = m_connection->prepare(u"SELECT pk FROM "_s + entityName(reference.source)
-                                                               + u" WHERE "_s + reference.column + u" = ?"_s);
-                        statement.bindInteger(1, id.primaryKey);
-                        while (statement.step()) {
-                            const ObjectID affected{reference.source, statement.integer(0)};
-                            (reference.cascades ? changes->deleted : changes->updated).insert(affected);
-                        }
-                    }
-                }
-                auto statement = m_connection->prepare(u"DELETE FROM "_s + entityName(id.entity) + u" WHERE pk = ?"_s);
-                statement.bindInteger(1, id.primaryKey);
-                statement.run();
-                if (changes && sqlite3_changes(m_connection->handle()) > 0)
-                    changes->deleted.insert(id);
-                break;
-            }
-            }
-        },
-        pending.value);
 }
 
 void ManagedObjectContext::deleteObject(const ObjectID &id)
@@ -317,7 +232,11 @@ void ManagedObjectContext::save()
         // transaction does not matter, only the result.
         m_connection->execute("PRAGMA defer_foreign_keys = ON");
         for (const ObjectID &id : std::as_const(order))
-            writeChange(id, m_pending[id], false, &changes);
+            {
+            const Pending &pending = m_pending[id];
+            ChangeWriter::write(*m_connection, id, pending.kind, pending.value, pending.changedFields,
+                                false, &changes);
+        }
         m_connection->execute("COMMIT");
     } catch (const StoreError &error) {
         sqlite3_exec(m_connection->handle(), "ROLLBACK", nullptr, nullptr, nullptr);

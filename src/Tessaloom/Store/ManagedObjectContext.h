@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Store/ChangeWriter.h"
 #include "Store/EntityTraits.h"
 #include "Store/FetchRequest.h"
 #include "Store/StoreChanges.h"
@@ -130,7 +131,7 @@ private:
 
     struct Pending
     {
-        enum class Kind { inserted, updated, deleted };
+        using Kind = ChangeWriter::Kind;
         Kind kind;
         AnyEntity value;
         quint64 changedFields = 0;
@@ -145,7 +146,6 @@ private:
     void applyPendingForRead();
     void endRead();
     void closeScratch();
-    void writeChange(const ObjectID &id, const Pending &pending, bool upsert, StoreChanges *changes);
 
     template <StoreEntity T>
     QList<T> runFetch(const QString &where, const QList<SqlValue> &bindings, const QString &order, int limit);
