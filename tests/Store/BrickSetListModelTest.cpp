@@ -4,6 +4,7 @@
 
 #include "Store/BrickSetListModel.h"
 #include "Store/BrickSetQueries.h"
+#include "Store/StoreObserver.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -176,6 +177,25 @@ private Q_SLOTS:
         QCOMPARE(removed.first().at(1).toInt(), 0);
         QCOMPARE(resets.size(), 0);
         QCOMPARE(model.rowCount(), 1);
+    }
+
+    void observerAnnouncesOnlyCommitsThatTouchWhatAQueryReads()
+    {
+        const FetchRequest<BrickSet> outdated(BrickSetQueries::pricingOlderThan(QDateTime::currentDateTimeUtc()));
+        QCOMPARE(StoreObserver::entitiesRead(outdated),
+                 (QSet<EntityType>{EntityType::BrickSet, EntityType::CatalogSet, EntityType::CachedPriceGuide}));
+        StoreObserver wishlist(*m_store, StoreObserver::entitiesRead(FetchRequest<WishlistItem>()));
+        QSignalSpy changes(&wishlist, &StoreObserver::changed);
+        auto &context = m_store->viewContext();
+        context.insert(newCopy(m_falcon.objectID));
+        context.save();
+        QCOMPARE(changes.size(), 0);
+        auto background = m_store->newBackgroundContext();
+        background->perform([](ManagedObjectContext &other) {
+            other.insert(WishlistItem{{}, u"1-1"_s, u"Wanted"_s, 2000, 1, {}, {}, {}, {}});
+            other.save();
+        });
+        QTRY_COMPARE(changes.size(), 1);
     }
 
 private:

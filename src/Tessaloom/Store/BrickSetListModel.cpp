@@ -3,6 +3,7 @@
 
 #include "Logging.h"
 #include "Store/PersistentContainer.h"
+#include "Store/StoreObserver.h"
 
 using namespace Qt::StringLiterals;
 
@@ -19,16 +20,12 @@ void BrickSetListModel::setFetchRequest(const FetchRequest<BrickSet> &request)
 {
     m_request = request;
     // The rows always show the catalog set; the request may read more (price guides).
-    QueryCompiler compiler(EntityType::BrickSet, u"t0"_s);
-    QList<SqlValue> bindings;
     try {
-        request.predicate.toSql(compiler, bindings);
-        for (const SortDescriptor &descriptor : request.sortDescriptors)
-            compiler.scalar(descriptor.keyPath);
+        m_entitiesRead = StoreObserver::entitiesRead(request);
     } catch (const StoreError &error) {
         qCWarning(lcPersistence) << "Invalid copy list request:" << error.description();
+        m_entitiesRead = {EntityType::BrickSet};
     }
-    m_entitiesRead = compiler.entitiesRead();
     m_entitiesRead.insert(EntityType::CatalogSet);
     refetch();
 }
