@@ -171,7 +171,8 @@ void ManagedObjectContext::endRead()
     // Inside a perform() block the transaction that shows pending changes stays open, so
     // a find-or-create loop writes each change once, but only for a short while: it holds
     // the store's write lock, and other contexts must get their turn.
-    if (m_performDepth == 0 || m_scratchAge.elapsed() > maximumScratchMilliseconds)
+    const bool insideBackgroundBlock = m_concurrencyType == ConcurrencyType::privateQueue && m_performDepth > 0;
+    if (!insideBackgroundBlock || m_scratchAge.elapsed() > maximumScratchMilliseconds)
         closeScratch();
 }
 

@@ -117,7 +117,11 @@ public:
 
     // Runs `work(context)` on the context's queue: for a background context on its worker
     // thread, one block after the other; for the view context at once on the calling
-    // (main) thread. The result or StoreError comes back through the future.
+    // (main) thread. The result or StoreError comes back through the future. A block with
+    // pending changes may hold the store's write turn for a moment: it must not wait on
+    // another context's block (performAndWait inside perform).
+    //
+    // Contexts must not outlive their container.
     template <typename Work>
     auto perform(Work work) -> QFuture<std::invoke_result_t<Work, ManagedObjectContext &>>;
     // Runs `work` like perform() and waits for it; rethrows its error.
