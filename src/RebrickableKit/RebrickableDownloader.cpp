@@ -120,7 +120,15 @@ RebrickableDownloader::RebrickableDownloader(QString outputDirectory, QUrl baseU
 {
 }
 
-RebrickableDownloader::~RebrickableDownloader() = default;
+// A caller may well destroy the downloader right after an operation ends, and that end is
+// reached from inside a signal of the last reply (its coroutine resumes there). Deleting
+// the network manager then would delete that reply, its child, inside its own signal: the
+// manager and its replies go when the event loop next turns instead.
+RebrickableDownloader::~RebrickableDownloader()
+{
+    if (m_network)
+        m_network.release()->deleteLater();
+}
 
 QUrl RebrickableDownloader::downloadUrl(const QString &name) const
 {

@@ -1,9 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Services/AppUpdateService.h"
+#include "Services/CatalogDatabaseService.h"
+#include "Store/PersistenceController.h"
 #include "TestEnvironment.h"
 #include "Views/ContentView.h"
 #include "Views/EmptyStateView.h"
 #include "Views/MainWindow.h"
+#include "Views/OwnedCopiesList.h"
+#include "Store/BrickSetListModel.h"
+#include "Store/CatalogSet.h"
+#include "Store/BrickSet.h"
+#include "Store/ManagedObjectContext.h"
 #include "Views/TranslationLoader.h"
 
 #include <QAction>
@@ -11,7 +18,9 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QListView>
 #include <QTest>
+#include <QUuid>
 
 using namespace Qt::StringLiterals;
 
@@ -19,17 +28,25 @@ class MainWindowTest : public QObject
 {
     Q_OBJECT
 
+private:
+    std::unique_ptr<PersistenceController> m_store;
+    std::unique_ptr<CatalogDatabaseService> m_catalogService;
+    std::unique_ptr<AppUpdateService> m_updates;
+
 private Q_SLOTS:
     void initTestCase()
     {
         TestEnvironment::isolate();
         QVERIFY(TranslationLoader::install(*qApp, QLocale(QLocale::English, QLocale::UnitedStates)));
+        m_store = PersistenceController::open(QString(), true);
+        m_catalogService = std::make_unique<CatalogDatabaseService>(TestEnvironment::temporaryRoot() + u"/app"_s,
+                                                                    QUrl(u"http://127.0.0.1:9"_s));
+        m_updates = std::make_unique<AppUpdateService>(QUrl(u"http://127.0.0.1:9/appcast.xml"_s), QVersionNumber(0, 1));
     }
 
     void opensWithThreeColumnsSideBySide()
     {
-        AppUpdateService updates(QUrl(u"http://127.0.0.1:9/appcast.xml"_s), QVersionNumber(0, 1));
-        MainWindow window(updates);
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
 
@@ -49,8 +66,7 @@ private Q_SLOTS:
 
     void detailColumnShowsTheEmptyStateWhenNothingIsSelected()
     {
-        AppUpdateService updates(QUrl(u"http://127.0.0.1:9/appcast.xml"_s), QVersionNumber(0, 1));
-        MainWindow window(updates);
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
 
@@ -65,18 +81,16 @@ private Q_SLOTS:
 
     void checkForUpdatesFollowsTheService()
     {
-        AppUpdateService updates(QUrl(u"http://127.0.0.1:9/appcast.xml"_s), QVersionNumber(0, 1));
-        MainWindow window(updates);
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
         QVERIFY(window.checkForUpdatesAction()->isEnabled());
         QCOMPARE(window.checkForUpdatesAction()->text(), u"Check for Updates…"_s);
     }
 
     void columnWidthsAreRememberedAcrossWindows()
     {
-        AppUpdateService updates(QUrl(u"http://127.0.0.1:9/appcast.xml"_s), QVersionNumber(0, 1));
         QList<int> chosen;
         {
-            MainWindow window(updates);
+            MainWindow window(m_store->container(), *m_catalogService, *m_updates);
             window.resize(1200, 700);
             window.show();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
@@ -85,16 +99,47 @@ private Q_SLOTS:
             QVERIFY(window.close());
         }
         QVERIFY(QSettings().contains(u"mainWindow.columns"_s));
-        MainWindow reopened(updates);
+        MainWindow reopened(m_store->container(), *m_catalogService, *m_updates);
         reopened.show();
         QVERIFY(QTest::qWaitForWindowExposed(&reopened));
         QCOMPARE(reopened.contentView()->splitter()->sizes().first(), chosen.first());
     }
 
+    void middleColumnListsOwnedCopiesLiveFromABackgroundSave()
+    {
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        OwnedCopiesList *list = window.ownedCopiesList();
+        QCOMPARE(window.contentView()->middleColumn()->currentWidget(), list);
+        QCOMPARE(list->currentWidget(), list->emptyState());
+
+        auto background = m_store->container().newBackgroundContext();
+        background->perform([](ManagedObjectContext &context) {
+            CatalogSet falcon;
+            falcon.setNumber = u"75192-1"_s;
+            falcon.name = u"Millennium Falcon"_s;
+            falcon = context.insert(falcon);
+            BrickSet copy;
+            copy.id = QUuid::createUuid();
+            copy.dateAdded = QDateTime::currentDateTimeUtc();
+            copy.catalogSet = falcon.objectID;
+            copy.setAcquisitionType(AcquisitionType::unknown);
+            context.insert(copy);
+            BrickSet trashed = copy;
+            trashed.id = QUuid::createUuid();
+            trashed.isTrashed = true;
+            context.insert(trashed);
+            context.save();
+        });
+        QTRY_COMPARE(list->model()->rowCount(), 1);
+        QTRY_COMPARE(list->currentWidget(), list->listView());
+        QCOMPARE(list->model()->data(list->model()->index(0), Qt::DisplayRole).toString(), u"75192-1  Millennium Falcon"_s);
+    }
+
     void closesCleanly()
     {
-        AppUpdateService updates(QUrl(u"http://127.0.0.1:9/appcast.xml"_s), QVersionNumber(0, 1));
-        auto *window = new MainWindow(updates);
+        auto *window = new MainWindow(m_store->container(), *m_catalogService, *m_updates);
         window->setAttribute(Qt::WA_DeleteOnClose);
         QPointer<MainWindow> guard(window);
         window->show();

@@ -24,7 +24,6 @@ ContentView::ContentView(QWidget *parent)
     , m_sidebar(new QTreeWidget(m_splitter))
     , m_middleColumn(new QStackedWidget(m_splitter))
     , m_detailColumn(new QStackedWidget(m_splitter))
-    , m_middlePlaceholder(new EmptyStateView(m_middleColumn))
     , m_detailPlaceholder(new EmptyStateView(m_detailColumn))
 {
     auto *layout = new QHBoxLayout(this);
@@ -40,12 +39,6 @@ ContentView::ContentView(QWidget *parent)
 
     buildSidebar();
 
-    //% "No Sets Yet"
-    const QString emptyCollectionTitle = qtTrId("list.empty.title");
-    //% "Sets you add to your collection appear here."
-    const QString emptyCollectionDescription = qtTrId("list.empty.description");
-    m_middlePlaceholder->setContent(u"shippingbox"_s, emptyCollectionTitle, emptyCollectionDescription);
-    m_middleColumn->addWidget(m_middlePlaceholder);
     m_detailColumn->addWidget(m_detailPlaceholder);
     showDetailPlaceholder();
 
@@ -81,7 +74,8 @@ void ContentView::buildSidebar()
 
 void ContentView::setMiddleWidget(QWidget *widget)
 {
-    m_middleColumn->addWidget(widget);
+    if (m_middleColumn->indexOf(widget) < 0)
+        m_middleColumn->addWidget(widget);
     m_middleColumn->setCurrentWidget(widget);
 }
 

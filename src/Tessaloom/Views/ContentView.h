@@ -35,6 +35,5 @@ private:
     QTreeWidget *m_sidebar;
     QStackedWidget *m_middleColumn;
     QStackedWidget *m_detailColumn;
-    EmptyStateView *m_middlePlaceholder;
     EmptyStateView *m_detailPlaceholder;
 };

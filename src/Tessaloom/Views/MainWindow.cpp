@@ -2,7 +2,10 @@
 #include "Views/MainWindow.h"
 
 #include "Services/AppUpdateService.h"
+#include "Views/CatalogStatusIndicator.h"
 #include "Views/ContentView.h"
+#include "Views/OwnedCopiesList.h"
+#include "Views/SampleCatalogNotice.h"
 
 #include <QAction>
 #include <QApplication>
@@ -15,6 +18,8 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTimer>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -23,14 +28,26 @@ const QString geometryKey = u"mainWindow.geometry"_s;
 const QString columnsKey = u"mainWindow.columns"_s;
 } // namespace
 
-MainWindow::MainWindow(AppUpdateService &updateService, QWidget *parent)
+MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &catalogService,
+                       AppUpdateService &updateService, QWidget *parent)
     : QMainWindow(parent)
     , m_updateService(updateService)
-    , m_contentView(new ContentView(this))
+    , m_contentView(new ContentView)
+    , m_ownedCopiesList(new OwnedCopiesList(container))
+    , m_sampleCatalogNotice(new SampleCatalogNotice(catalogService))
+    , m_catalogStatusIndicator(new CatalogStatusIndicator(catalogService, statusBar()))
 {
     setObjectName(u"mainWindow"_s);
     setWindowTitle(QApplication::applicationDisplayName());
-    setCentralWidget(m_contentView);
+
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_sampleCatalogNotice);
+    layout->addWidget(m_contentView, 1);
+    setCentralWidget(central);
+    m_contentView->setMiddleWidget(m_ownedCopiesList);
     setUnifiedTitleAndToolBarOnMac(true);
     buildMenus();
     statusBar()->setSizeGripEnabled(true);
@@ -121,6 +138,16 @@ void MainWindow::saveWindowState() const
     QSettings settings;
     settings.setValue(geometryKey, saveGeometry());
     settings.setValue(columnsKey, m_contentView->splitter()->saveState());
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (m_hasAppeared)
+        return;
+    m_hasAppeared = true;
+    // After the first paint, so that a sheet opened in response sits over a drawn window.
+    QTimer::singleShot(0, this, &MainWindow::contentAppeared);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -5,22 +5,36 @@
 #include <QMainWindow>
 
 class AppUpdateService;
+class CatalogDatabaseService;
+class CatalogStatusIndicator;
 class ContentView;
+class OwnedCopiesList;
+class PersistentContainer;
 class QAction;
+class SampleCatalogNotice;
 
-// The main window: menus, status bar and the three-column ContentView. It remembers its
-// geometry and column widths between launches.
+// The main window: menus, status bar, the sample-catalog notice and the three-column
+// ContentView. It remembers its geometry and column widths between launches.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    explicit MainWindow(AppUpdateService &updateService, QWidget *parent = nullptr);
+    MainWindow(PersistentContainer &container, CatalogDatabaseService &catalogService,
+               AppUpdateService &updateService, QWidget *parent = nullptr);
 
     ContentView *contentView() const { return m_contentView; }
+    OwnedCopiesList *ownedCopiesList() const { return m_ownedCopiesList; }
+    SampleCatalogNotice *sampleCatalogNotice() const { return m_sampleCatalogNotice; }
+    CatalogStatusIndicator *catalogStatusIndicator() const { return m_catalogStatusIndicator; }
     QAction *checkForUpdatesAction() const { return m_checkForUpdatesAction; }
 
+Q_SIGNALS:
+    // Once, when the window's content first shows.
+    void contentAppeared();
+
 protected:
+    void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -32,5 +46,9 @@ private:
 
     AppUpdateService &m_updateService;
     ContentView *m_contentView;
+    OwnedCopiesList *m_ownedCopiesList;
+    SampleCatalogNotice *m_sampleCatalogNotice;
+    CatalogStatusIndicator *m_catalogStatusIndicator;
     QAction *m_checkForUpdatesAction = nullptr;
+    bool m_hasAppeared = false;
 };

@@ -29,8 +29,12 @@ const QHash<QString, SymbolMapping> &mappings()
         {u"plus"_s, {u"list-add"_s, QStyle::SP_FileDialogNewFolder}},
         {u"shippingbox"_s, {u"package-x-generic"_s, QStyle::SP_DriveFDIcon}},
         {u"exclamationmark.triangle"_s, {u"dialog-warning"_s, QStyle::SP_MessageBoxWarning}},
+        {u"photo"_s, {u"image-x-generic"_s, QStyle::SP_FileIcon}},
         {u"info.circle"_s, {u"dialog-information"_s, QStyle::SP_MessageBoxInformation}},
         {u"gearshape"_s, {u"preferences-system"_s, QStyle::SP_FileDialogInfoView}},
+        {u"square.stack.3d.up"_s, {u"package-x-generic"_s, QStyle::SP_DriveHDIcon}},
+        {u"checkmark.circle.fill"_s, {u"emblem-ok"_s, QStyle::SP_DialogApplyButton}},
+        {u"exclamationmark.triangle.fill"_s, {u"dialog-warning"_s, QStyle::SP_MessageBoxWarning}},
     };
     return table;
 }

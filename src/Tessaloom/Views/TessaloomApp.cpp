@@ -4,8 +4,14 @@
 #include "Logging.h"
 #include "OfferedCurrencies.h"
 #include "Services/AppUpdateService.h"
+#include "Services/CatalogDatabaseService.h"
+#include "Services/DailyCatalogCheck.h"
 #include "Services/NetworkMonitor.h"
+#include "Services/RebrickableCatalog.h"
+#include "Store/PersistenceController.h"
+#include "Views/CatalogSetupView.h"
 #include "Views/MainWindow.h"
+#include "Views/SampleCatalogNotice.h"
 
 #include <QSettings>
 
@@ -17,9 +23,20 @@ const QString preferredCurrencyKey = u"preferredCurrency"_s;
 } // namespace
 
 TessaloomApp::TessaloomApp(QObject *parent)
+    : TessaloomApp(PersistenceController::shared(), CatalogDatabaseService::shared(), AppUpdateService::shared(),
+                   parent)
+{
+}
+
+// The member order fixes the start-up order: the store first, then the network monitor,
+// then the update service; the defaults follow in the body.
+TessaloomApp::TessaloomApp(PersistenceController &persistenceController, CatalogDatabaseService &catalogService,
+                           AppUpdateService &updateService, QObject *parent)
     : QObject(parent)
+    , m_persistenceController(persistenceController)
     , m_networkMonitor(NetworkMonitor::shared())
-    , m_updateService(AppUpdateService::shared())
+    , m_updateService(updateService)
+    , m_catalogService(catalogService)
 {
     QSettings settings;
     registerDefaults(settings, QLocale());
@@ -39,11 +56,48 @@ void TessaloomApp::registerDefaults(QSettings &settings, const QLocale &locale)
     qCInfo(lcApp) << "Registered defaults; preferred currency" << settings.value(preferredCurrencyKey).toString();
 }
 
+CatalogSetupView *TessaloomApp::catalogSetupView() const
+{
+    return m_catalogSetupView;
+}
+
 void TessaloomApp::showMainWindow()
 {
-    if (!m_mainWindow)
-        m_mainWindow = std::make_unique<MainWindow>(m_updateService);
+    if (!m_mainWindow) {
+        m_mainWindow = std::make_unique<MainWindow>(m_persistenceController.container(), m_catalogService,
+                                                    m_updateService);
+        connect(m_mainWindow.get(), &MainWindow::contentAppeared, this, [this] {
+            openCatalogGate();
+            runDailyCatalogCheck();
+        });
+    }
     m_mainWindow->show();
     m_mainWindow->raise();
     m_mainWindow->activateWindow();
+}
+
+// A catalog that is absent, or older than the format this program reads, counts as none:
+// the sheet stands in front of the window until one is built or the user quits.
+void TessaloomApp::openCatalogGate()
+{
+    const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
+    m_showCatalogSetup = !catalog || catalog->schemaVersion() <= 1;
+    if (!m_showCatalogSetup || m_catalogSetupView)
+        return;
+    m_catalogSetupView = new CatalogSetupView(m_catalogService, m_mainWindow.get());
+    m_catalogSetupView->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_catalogSetupView, &QDialog::finished, this, [this] {
+        m_showCatalogSetup = false;
+        if (m_mainWindow)
+            m_mainWindow->sampleCatalogNotice()->refresh();
+    });
+    m_catalogSetupView->open();
+}
+
+QCoro::Task<> TessaloomApp::runDailyCatalogCheck()
+{
+    QPointer<TessaloomApp> self(this);
+    const bool startedBuild = co_await DailyCatalogCheck::run(m_catalogService, RebrickableCatalog::shared() != nullptr);
+    if (self)
+        Q_EMIT dailyCatalogCheckFinished(startedBuild);
 }

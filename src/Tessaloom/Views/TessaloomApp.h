@@ -1,18 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QCoroTask>
 #include <QLocale>
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 
 class AppUpdateService;
+class CatalogDatabaseService;
+class CatalogSetupView;
 class MainWindow;
 class NetworkMonitor;
+class PersistenceController;
 class QSettings;
 
 // The application's entry: creates the process-wide objects in a fixed order before any
-// window exists, registers the first-run defaults, then opens the main window.
+// window exists, registers the first-run defaults, then opens the main window. When the
+// window first appears it demands a usable catalog (the set-up sheet) and runs the
+// once-a-day catalog check.
 class TessaloomApp : public QObject
 {
     Q_OBJECT
@@ -21,6 +28,9 @@ public:
     // Start-up, on the main thread: the store (a failure ends the program there), the
     // network monitor, the update service, then the defaults.
     explicit TessaloomApp(QObject *parent = nullptr);
+    // The same with given objects, for tests.
+    TessaloomApp(PersistenceController &persistenceController, CatalogDatabaseService &catalogService,
+                 AppUpdateService &updateService, QObject *parent = nullptr);
     ~TessaloomApp() override;
 
     // Runs once per user: stores the locale's currency under "preferredCurrency" when it is
@@ -30,14 +40,26 @@ public:
 
     void showMainWindow();
     MainWindow *mainWindow() const { return m_mainWindow.get(); }
+    CatalogSetupView *catalogSetupView() const;
 
+    PersistenceController &persistenceController() const { return m_persistenceController; }
     NetworkMonitor &networkMonitor() const { return m_networkMonitor; }
     AppUpdateService &updateService() const { return m_updateService; }
     bool showCatalogSetup() const { return m_showCatalogSetup; }
 
+Q_SIGNALS:
+    // The daily catalog check has run (or decided it had nothing to do).
+    void dailyCatalogCheckFinished(bool startedBuild);
+
 private:
+    void openCatalogGate();
+    QCoro::Task<> runDailyCatalogCheck();
+
+    PersistenceController &m_persistenceController;
     NetworkMonitor &m_networkMonitor;
     bool m_showCatalogSetup = false;
     AppUpdateService &m_updateService;
+    CatalogDatabaseService &m_catalogService;
     std::unique_ptr<MainWindow> m_mainWindow;
+    QPointer<CatalogSetupView> m_catalogSetupView;
 };

@@ -92,5 +92,61 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Picture unavailable</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="catalogSetup.windowTitle">
+        <source>LEGO Catalog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogSetup.title">
+        <source>Set Up the LEGO Catalog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogSetup.download.description">
+        <source>Tessaloom keeps a copy of the Rebrickable catalog on this computer: every set, part, colour and theme. It is downloaded once (about 20 MB) and built here in under a minute.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogSetup.download.button">
+        <source>Download Catalog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogSetup.rebuild.description">
+        <source>Download the newest Rebrickable data and rebuild the catalog on this computer.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogSetup.rebuild.button">
+        <source>Rebuild Catalog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogSetup.completed">
+        <source>The catalog is ready.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogSetup.retry">
+        <source>Try Again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogSetup.cancel">
+        <source>Cancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogStatus.working">
+        <source>Catalog: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogStatus.completed">
+        <source>The catalog is up to date: %1 sets.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogStatus.failed">
+        <source>The catalog could not be updated: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sampleCatalog.download">
+        <source>Download Full Catalog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sampleCatalog.message">
+        <source>You are using the small sample catalog that comes with Tessaloom. Its parts lists are illustrative, not LEGO&apos;s real ones.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

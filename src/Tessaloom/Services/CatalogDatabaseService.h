@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QCoroTask>
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+#include <QUrl>
+
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+// The state machine around a catalog build: downloads the dumps, builds the database
+// beside the live file, swaps it in atomically, checks that it reads, reloads the shared
+// catalog and tells the application. One instance for the process, on the main thread;
+// only the build itself runs on a worker thread.
+//
+// The live "rebrickable.sqlite" is touched by one step only, the swap: a failure or a
+// cancellation before it leaves the catalog in service untouched and open.
+class CatalogDatabaseService : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct State
+    {
+        enum class Kind { idle, working, completed, failed };
+        Kind kind = Kind::idle;
+        QString status;       // working
+        double progress = 0;  // working, 0.0 to 1.0
+        QString errorText;    // failed
+
+        static State idle() { return {}; }
+        static State working(const QString &status, double progress) { return {Kind::working, status, progress, {}}; }
+        static State completed() { return {Kind::completed, {}, 0, {}}; }
+        static State failed(const QString &text) { return {Kind::failed, {}, 0, text}; }
+        friend bool operator==(const State &, const State &) = default;
+    };
+
+    // Errors found after the swap; their sentences are what the set-up screen shows.
+    enum class BuildError { databaseNotLoadable, emptyDatabase };
+    static QString description(BuildError error);
+
+    static CatalogDatabaseService &shared();
+    // `applicationDirectory` holds the live file, the file under construction and the dumps;
+    // `downloadBaseUrl` is the host the dumps come from.
+    CatalogDatabaseService(QString applicationDirectory, QUrl downloadBaseUrl, QObject *parent = nullptr);
+    ~CatalogDatabaseService() override;
+
+    State state() const { return m_state; }
+
+    // Whether the published dumps differ from those of the built catalog. Never fails: a
+    // failed check logs and answers false.
+    QCoro::Task<bool> checkForUpdates();
+    // Starts a build unless one is running; returns at once.
+    void startBuild();
+    // Cancels the build started last; no effect when it has finished.
+    void cancelCurrentTask();
+    bool hasCurrentTask() const { return bool(m_stopSource); }
+
+    std::optional<QDateTime> lastBuildDate() const;
+    std::optional<qint64> databaseFileSize() const;
+
+    QString applicationDirectory() const { return m_applicationDirectory; }
+    QString liveDatabasePath() const;
+    QString buildingDatabasePath() const;
+    QString csvDirectory() const;
+
+Q_SIGNALS:
+    void stateChanged(const CatalogDatabaseService::State &state);
+    // After each successful build, once the new catalog is the shared one.
+    void catalogDatabaseDidUpdate();
+
+private:
+    QCoro::Task<> build(std::stop_token stopToken);
+    QCoro::Task<> runBuildSteps(std::stop_token stopToken);
+    QCoro::Task<> buildDatabase(std::stop_token stopToken);
+    void swapInBuiltFile();
+    void removeLeftovers();
+    void setState(const State &state);
+
+    QString m_applicationDirectory;
+    QUrl m_downloadBaseUrl;
+    State m_state;
+    std::optional<std::stop_source> m_stopSource;
+    std::optional<QCoro::Task<>> m_currentTask;
+};
+
+Q_DECLARE_METATYPE(CatalogDatabaseService::State)

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Services/AppUpdateService.h"
+#include "Services/CatalogDatabaseService.h"
+#include "Services/RebrickableCatalog.h"
+#include "Store/PersistenceController.h"
+#include "TestEnvironment.h"
+#include "Views/CatalogSetupView.h"
+#include "Views/MainWindow.h"
+#include "Views/SampleCatalogNotice.h"
+#include "Views/TessaloomApp.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+// What the main window demands when it first appears: a catalog of the current format,
+// or the set-up sheet in front of it.
+class CatalogGateTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_directory;
+    std::unique_ptr<PersistenceController> m_store;
+    std::unique_ptr<CatalogDatabaseService> m_catalogService;
+    std::unique_ptr<AppUpdateService> m_updates;
+
+    std::unique_ptr<TessaloomApp> startApp()
+    {
+        auto app = std::make_unique<TessaloomApp>(*m_store, *m_catalogService, *m_updates);
+        app->showMainWindow();
+        if (!QTest::qWaitForWindowExposed(app->mainWindow()))
+            return nullptr;
+        return app;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        TestEnvironment::isolate();
+        m_store = PersistenceController::open(QString(), true);
+        m_catalogService = std::make_unique<CatalogDatabaseService>(m_directory.path() + u"/app"_s,
+                                                                    QUrl(u"http://127.0.0.1:9"_s));
+        m_updates = std::make_unique<AppUpdateService>(QUrl(u"http://127.0.0.1:9/appcast.xml"_s), QVersionNumber(0, 1));
+    }
+
+    void init()
+    {
+        // Today's check is done, so no test reaches for the network by accident.
+        QSettings().setValue(u"catalog.lastUpdateCheck"_s, QDateTime::currentDateTime());
+    }
+
+    void missingCatalogBringsUpTheSetUpSheet()
+    {
+        RebrickableCatalog::replaceShared(nullptr);
+        const auto app = startApp();
+        QVERIFY(app);
+        QTRY_VERIFY(app->catalogSetupView() && app->catalogSetupView()->isVisible());
+        QVERIFY(app->showCatalogSetup());
+        QCOMPARE(app->catalogSetupView()->currentPart(), u"download"_s);
+        QVERIFY(app->catalogSetupView()->isModal());
+    }
+
+    void catalogOfSchemaVersionOneOpensButStillBringsUpTheSheet()
+    {
+        const QString path = m_directory.path() + u"/old.sqlite"_s;
+        QVERIFY(QFile::copy(QStringLiteral(TESSALOOM_SAMPLE_CATALOG), path));
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+        sqlite3 *db = nullptr;
+        sqlite3_open(QFile::encodeName(path).constData(), &db);
+        sqlite3_exec(db, "PRAGMA user_version = 1", nullptr, nullptr, nullptr);
+        sqlite3_close(db);
+        const auto old = RebrickableCatalog::openFile(path);
+        QVERIFY(old);
+        QCOMPARE(old->schemaVersion(), 1);
+        RebrickableCatalog::replaceShared(old);
+
+        const auto app = startApp();
+        QVERIFY(app);
+        QTRY_VERIFY(app->catalogSetupView() && app->catalogSetupView()->isVisible());
+    }
+
+    void currentCatalogOpensTheWindowDirectly()
+    {
+        RebrickableCatalog::replaceShared(RebrickableCatalog::openFile(QStringLiteral(TESSALOOM_SAMPLE_CATALOG)));
+        const auto app = std::make_unique<TessaloomApp>(*m_store, *m_catalogService, *m_updates);
+        QSignalSpy checked(app.get(), &TessaloomApp::dailyCatalogCheckFinished);
+        app->showMainWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(app->mainWindow()));
+        QTRY_COMPARE(checked.count(), 1);
+        QCOMPARE(checked.first().first().toBool(), false); // today's check had run already
+        QVERIFY(!app->showCatalogSetup());
+        QVERIFY(!app->catalogSetupView());
+    }
+
+    void sampleCatalogInUseShowsTheNoticeUntilADownloadedOneIsLive()
+    {
+        // Put the sample where the program looks for the catalog bundled with it.
+        const QString bundled = RebrickableCatalog::bundledDatabasePath();
+        QDir().mkpath(QFileInfo(bundled).path());
+        QFile::remove(bundled);
+        QVERIFY(QFile::copy(QStringLiteral(TESSALOOM_SAMPLE_CATALOG), bundled));
+        RebrickableCatalog::replaceShared(RebrickableCatalog::openFile(bundled));
+
+        const auto app = startApp();
+        QVERIFY(app);
+        SampleCatalogNotice *notice = app->mainWindow()->sampleCatalogNotice();
+        QVERIFY(notice->isVisible());
+        QVERIFY(notice->downloadButton()->isEnabled());
+
+        const QString downloaded = m_directory.path() + u"/downloaded.sqlite"_s;
+        QVERIFY(QFile::copy(QStringLiteral(TESSALOOM_SAMPLE_CATALOG), downloaded));
+        RebrickableCatalog::replaceShared(RebrickableCatalog::openFile(downloaded));
+        Q_EMIT m_catalogService->catalogDatabaseDidUpdate();
+        QVERIFY(!notice->isVisible());
+        QFile::remove(bundled);
+    }
+};
+
+QTEST_MAIN(CatalogGateTest)
+#include "CatalogGateTest.moc"
