@@ -148,5 +148,29 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>You are using the small sample catalog that comes with Tessaloom. Its parts lists are illustrative, not LEGO&apos;s real ones.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="catalog.themes.column.theme">
+        <source>Theme</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.themes.column.sets">
+        <source>Sets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.themes.column.minYear">
+        <source>First Year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.themes.column.maxYear">
+        <source>Last Year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.catalog.allThemes">
+        <source>All Themes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.themes.search.prompt">
+        <source>Search themes or a year</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
