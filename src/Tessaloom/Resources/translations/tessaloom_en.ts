@@ -164,8 +164,68 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Last Year</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="sidebar.allSets">
+        <source>All Sets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.favorites">
+        <source>Favorites</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.wishlist">
+        <source>Wishlist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.recentlyAdded">
+        <source>Recently Added</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.unknownAcquisition">
+        <source>Unknown Acquisition</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.unknownCondition">
+        <source>Unknown Condition</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.retired">
+        <source>Retired</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.noPricing">
+        <source>No Pricing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.outdatedPricing">
+        <source>Outdated Pricing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.trash">
+        <source>Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.inventory">
+        <source>Inventory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.catalog.allSets">
+        <source>All Sets</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="sidebar.catalog.allThemes">
         <source>All Themes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.title">
+        <source>Library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.myCollection">
+        <source>My Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sidebar.catalog">
+        <source>Catalog</source>
         <translation type="unfinished"></translation>
     </message>
     <message id="catalog.themes.search.prompt">

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ViewModels/SidebarViewModel.h"
+
+#include "Logging.h"
+#include "Services/CatalogDatabaseService.h"
+#include "Services/RebrickableCatalog.h"
+#include "Store/BrickSetQueries.h"
+#include "Store/ManagedObjectContext.h"
+#include "Store/StoreObserver.h"
+#include "ViewModels/SidebarVisibilitySettings.h"
+
+#include <QSettings>
+
+using namespace Qt::StringLiterals;
+using Kind = SidebarItem::Kind;
+
+namespace {
+
+const QList<Kind> badgeKinds{Kind::allSets,          Kind::favorites, Kind::wishlist, Kind::unknownAcquisition,
+                             Kind::unknownCondition, Kind::retired,   Kind::trash};
+
+// What each badge counts. The wishlist's badge counts WishlistItem, every other one copies.
+Predicate badgePredicate(Kind kind, const QDateTime &retiredCutoff)
+{
+    switch (kind) {
+    case Kind::allSets:
+        return BrickSetQueries::notTrashed();
+    case Kind::favorites:
+        return BrickSetQueries::notTrashed() && BrickSetQueries::favorite();
+    case Kind::unknownAcquisition:
+        return BrickSetQueries::notTrashed() && BrickSetQueries::acquisitionUnknownOrAbsent();
+    case Kind::unknownCondition:
+        // Wider than the list of the same name, which leaves out the stored "unknown".
+        return BrickSetQueries::notTrashed() && BrickSetQueries::conditionUnknownOrAbsent();
+    case Kind::retired:
+        return BrickSetQueries::notTrashed() && BrickSetQueries::retiredBefore(retiredCutoff);
+    case Kind::trash:
+        return BrickSetQueries::trashed();
+    default:
+        return Predicate::alwaysFalse();
+    }
+}
+
+} // namespace
+
+SidebarViewModel::SidebarViewModel(ManagedObjectContext &viewContext, CatalogDatabaseService &catalogService,
+                                   QObject *parent)
+    : QObject(parent)
+    , m_viewContext(viewContext)
+    , m_createdAt(QDateTime::currentDateTimeUtc())
+{
+    loadThemeTree();
+
+    const QString storedID = QSettings().value(QLatin1StringView(lastSelectedItemKey), u"all_sets"_s).toString();
+    if (const std::optional<SidebarItem> stored = SidebarItem::fromID(storedID); stored && stored != m_selectedItem)
+        setSelectedItem(stored);
+
+    connect(&catalogService, &CatalogDatabaseService::catalogDatabaseDidUpdate, this, [this] {
+        if (RebrickableCatalog::shared())
+            loadThemeTree();
+    });
+
+    connect(&SidebarVisibilitySettings::shared(), &SidebarVisibilitySettings::visibilityChanged, this,
+            &SidebarViewModel::visibilityChanged);
+
+    QSet<EntityType> observed;
+    for (Kind kind : badgeKinds) {
+        QSet<EntityType> entities;
+        if (kind == Kind::wishlist)
+            entities = {EntityType::WishlistItem};
+        else
+            entities = StoreObserver::entitiesRead(FetchRequest<BrickSet>(badgePredicate(kind, m_createdAt)));
+        m_entitiesRead.insert(kind, entities);
+        observed.unite(entities);
+    }
+    m_storeObserver = new StoreObserver(viewContext.container(), observed, this);
+    connect(m_storeObserver, &StoreObserver::changed, this, [this](const StoreChanges &changes) { recount(&changes); });
+    recount(nullptr);
+}
+
+SidebarViewModel::~SidebarViewModel() = default;
+
+void SidebarViewModel::setSelectedItem(const std::optional<SidebarItem> &item)
+{
+    if (item)
+        QSettings().setValue(QLatin1StringView(lastSelectedItemKey), item->id());
+    if (item == m_selectedItem)
+        return;
+    m_selectedItem = item;
+    Q_EMIT selectedItemChanged(m_selectedItem);
+}
+
+const QList<SidebarItem> &SidebarViewModel::allCollectionItems()
+{
+    static const QList<SidebarItem> items{
+        SidebarItem(Kind::allSets),          SidebarItem(Kind::favorites),          SidebarItem(Kind::wishlist),
+        SidebarItem(Kind::recentlyAdded),    SidebarItem(Kind::unknownAcquisition), SidebarItem(Kind::unknownCondition),
+        SidebarItem(Kind::retired),          SidebarItem(Kind::noPricing),          SidebarItem(Kind::outdatedPricing),
+        SidebarItem(Kind::inventory),        SidebarItem(Kind::trash),
+    };
+    return items;
+}
+
+QList<SidebarItem> SidebarViewModel::visibleCollectionItems() const
+{
+    QList<SidebarItem> visible;
+    for (const SidebarItem &item : allCollectionItems()) {
+        if (isVisible(item.kind()))
+            visible << item;
+    }
+    return visible;
+}
+
+const QList<SidebarItem> &SidebarViewModel::catalogItems()
+{
+    static const QList<SidebarItem> items{SidebarItem(Kind::catalogAll), SidebarItem(Kind::catalogAllThemes)};
+    return items;
+}
+
+bool SidebarViewModel::isVisible(SidebarItem::Kind kind) const
+{
+    return SidebarVisibilitySettings::shared().isVisible(kind);
+}
+
+bool SidebarViewModel::hasBadge(SidebarItem::Kind kind)
+{
+    return badgeKinds.contains(kind);
+}
+
+std::optional<qint64> SidebarViewModel::badgeCount(const SidebarItem &item) const
+{
+    const auto found = m_counts.constFind(item.kind());
+    if (found == m_counts.cend())
+        return std::nullopt;
+    return found.value();
+}
+
+void SidebarViewModel::loadThemeTree()
+{
+    const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
+    m_themeTree = catalog ? catalog->themeTree() : QList<ThemeNode>();
+    Q_EMIT themeTreeChanged();
+}
+
+void SidebarViewModel::recount(const StoreChanges *changes)
+{
+    for (Kind kind : badgeKinds) {
+        if (changes && !changes->touchesAny(m_entitiesRead.value(kind)))
+            continue;
+        const qint64 fresh = count(kind);
+        const auto old = m_counts.constFind(kind);
+        if (old != m_counts.cend() && old.value() == fresh)
+            continue;
+        m_counts.insert(kind, fresh);
+        if (changes)
+            Q_EMIT badgeCountChanged(kind, fresh);
+    }
+}
+
+qint64 SidebarViewModel::count(SidebarItem::Kind kind) const
+{
+    // A count that cannot be read shows as none, like a failed fetch.
+    try {
+        if (kind == Kind::wishlist)
+            return m_viewContext.count(FetchRequest<WishlistItem>());
+        return m_viewContext.count(FetchRequest<BrickSet>(badgePredicate(kind, m_createdAt)));
+    } catch (const StoreError &error) {
+        qCWarning(lcPersistence) << "Sidebar count failed:" << error.description();
+        return 0;
+    }
+}
