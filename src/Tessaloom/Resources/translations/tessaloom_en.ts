@@ -148,6 +148,26 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>You are using the small sample catalog that comes with Tessaloom. Its parts lists are illustrative, not LEGO&apos;s real ones.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="table.column.setNumber">
+        <source>Set #</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.name">
+        <source>Name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.theme">
+        <source>Theme</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.year">
+        <source>Year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.pieces">
+        <source>Pieces</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="catalog.themes.column.theme">
         <source>Theme</source>
         <translation type="unfinished"></translation>
@@ -162,6 +182,22 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="catalog.themes.column.maxYear">
         <source>Last Year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.condition">
+        <source>Condition</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.value">
+        <source>Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.added">
+        <source>Added</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.theme.unknown">
+        <source>Unknown Theme</source>
         <translation type="unfinished"></translation>
     </message>
     <message id="sidebar.allSets">

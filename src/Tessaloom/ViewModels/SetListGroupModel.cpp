@@ -1,0 +1,347 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ViewModels/SetListGroupModel.h"
+
+#include "Logging.h"
+#include "OverallCondition.h"
+#include "Store/BrickSetListModel.h"
+#include "Store/CatalogSetAccessors.h"
+#include "Store/PersistentContainer.h"
+
+#include <QLocale>
+
+#include <algorithm>
+#include <numeric>
+
+using namespace Qt::StringLiterals;
+
+SetListGroupModel::SetListGroupModel(PersistentContainer &container, BrickSetListModel &copies, QObject *parent)
+    : QAbstractTableModel(parent)
+    , m_container(container)
+    , m_copies(copies)
+{
+    connect(&m_copies, &BrickSetListModel::refetched, this, &SetListGroupModel::rebuild);
+    connect(&m_container, &PersistentContainer::objectsDidChange, this, &SetListGroupModel::onObjectsDidChange);
+    rebuild();
+}
+
+void SetListGroupModel::setPriceSort(std::optional<bool> ascending)
+{
+    if (m_priceSortAscending == ascending)
+        return;
+    m_priceSortAscending = ascending;
+    rebuild();
+}
+
+QString SetListGroupModel::groupKey(const BrickSetWithCatalogSet &copy)
+{
+    if (copy.catalogSet && copy.catalogSet->setNumber)
+        return *copy.catalogSet->setNumber;
+    return copy.brickSet.objectID.uriRepresentation().toString();
+}
+
+int SetListGroupModel::rowOf(const ObjectID &id) const
+{
+    return m_rowOfCopy.value(id, -1);
+}
+
+void SetListGroupModel::onObjectsDidChange(const StoreChanges &changes)
+{
+    if (!changes.touches(EntityType::CachedPriceGuide))
+        return;
+    m_priceGuidesLoaded = false;
+    m_priceGuides.clear();
+    rebuild();
+}
+
+const QHash<qint64, CachedPriceGuide> &SetListGroupModel::priceGuides()
+{
+    if (m_priceGuidesLoaded)
+        return m_priceGuides;
+    m_priceGuidesLoaded = true;
+    QList<CachedPriceGuide> all;
+    try {
+        all = m_container.viewContext().fetch(FetchRequest<CachedPriceGuide>());
+    } catch (const StoreError &error) {
+        qCWarning(lcPersistence) << "Reading the price guides of the set list failed:" << error.description();
+        return m_priceGuides;
+    }
+    QHash<qint64, QList<CachedPriceGuide>> bySet;
+    for (CachedPriceGuide &guide : all) {
+        if (guide.catalogSet)
+            bySet[guide.catalogSet->primaryKey].append(std::move(guide));
+    }
+    for (auto it = bySet.cbegin(); it != bySet.cend(); ++it) {
+        if (auto preferred = CatalogSetAccessors::preferredPriceGuide(it.value()))
+            m_priceGuides.insert(it.key(), std::move(*preferred));
+    }
+    return m_priceGuides;
+}
+
+void SetListGroupModel::rebuild()
+{
+    const QHash<qint64, CachedPriceGuide> &guides = priceGuides();
+    auto guideOf = [&guides](const BrickSetWithCatalogSet &copy) -> std::optional<CachedPriceGuide> {
+        if (!copy.brickSet.catalogSet)
+            return std::nullopt;
+        const auto found = guides.constFind(copy.brickSet.catalogSet->primaryKey);
+        return found == guides.cend() ? std::nullopt : std::optional<CachedPriceGuide>(*found);
+    };
+
+    const QList<BrickSetWithCatalogSet> &rows = m_copies.rows();
+    QList<qsizetype> order(rows.size());
+    std::iota(order.begin(), order.end(), 0);
+    if (m_priceSortAscending) {
+        const bool ascending = *m_priceSortAscending;
+        QList<std::optional<Decimal>> prices;
+        prices.reserve(rows.size());
+        for (const BrickSetWithCatalogSet &row : rows) {
+            const std::optional<CachedPriceGuide> guide = guideOf(row);
+            prices.append(guide ? guide->avgPrice : std::nullopt);
+        }
+        // Absent prices sort before any price, as absent values do in the store.
+        std::stable_sort(order.begin(), order.end(), [&](qsizetype left, qsizetype right) {
+            const std::optional<Decimal> &a = prices[left];
+            const std::optional<Decimal> &b = prices[right];
+            return ascending ? a < b : b < a;
+        });
+    }
+
+    QList<Group> groups;
+    QHash<QString, int> rowOfKey;
+    QHash<ObjectID, int> rowOfCopy;
+    rowOfKey.reserve(rows.size());
+    rowOfCopy.reserve(rows.size());
+    for (const qsizetype index : std::as_const(order)) {
+        const BrickSetWithCatalogSet &row = rows[index];
+        const QString key = groupKey(row);
+        const auto found = rowOfKey.constFind(key);
+        if (found != rowOfKey.cend()) {
+            ++groups[*found].copyCount;
+            rowOfCopy.insert(row.brickSet.objectID, *found);
+            continue;
+        }
+        const int newRow = int(groups.size());
+        rowOfKey.insert(key, newRow);
+        rowOfCopy.insert(row.brickSet.objectID, newRow);
+        groups.append(Group{row, 1, guideOf(row)});
+    }
+
+    // The same copies standing for the same rows: report changed rows only.
+    bool sameRows = groups.size() == m_groups.size();
+    for (qsizetype row = 0; sameRows && row < groups.size(); ++row)
+        sameRows = groups[row].copy.brickSet.objectID == m_groups[row].copy.brickSet.objectID;
+    if (sameRows) {
+        for (qsizetype row = 0; row < groups.size(); ++row) {
+            const Group &before = m_groups[row];
+            const Group &after = groups[row];
+            const bool changed = before.copyCount != after.copyCount || before.priceGuide != after.priceGuide
+                || before.copy.brickSet != after.copy.brickSet || before.copy.catalogSet != after.copy.catalogSet;
+            m_groups[row] = std::move(groups[row]);
+            if (changed)
+                Q_EMIT dataChanged(index(int(row), 0), index(int(row), ColumnCount - 1));
+        }
+    } else {
+        beginResetModel();
+        m_groups = std::move(groups);
+        endResetModel();
+    }
+    m_rowOfCopy = std::move(rowOfCopy);
+    Q_EMIT regrouped();
+}
+
+QList<SortDescriptor> SetListGroupModel::comparatorsForColumn(int column, Qt::SortOrder order)
+{
+    const bool ascending = order == Qt::AscendingOrder;
+    switch (column) {
+    case SetNumberColumn:
+        return {{u"catalogSet.setNumber"_s, ascending}};
+    case NameColumn:
+    case ValueColumn:
+        return {{u"catalogSet.name"_s, ascending}};
+    case YearColumn:
+        return {{u"catalogSet.year"_s, ascending}, {u"catalogSet.name"_s, true}};
+    case PiecesColumn:
+        return {{u"catalogSet.pieceCount"_s, ascending}};
+    case ConditionColumn:
+        return {{u"overallCondition"_s, ascending}};
+    case AddedColumn:
+        return {{u"dateAdded"_s, ascending}};
+    default:
+        return {};
+    }
+}
+
+int SetListGroupModel::columnOfSortOrder(const QList<SortDescriptor> &comparators)
+{
+    if (comparators.isEmpty())
+        return -1;
+    const QString &keyPath = comparators.first().keyPath;
+    if (keyPath == u"catalogSet.setNumber")
+        return SetNumberColumn;
+    if (keyPath == u"catalogSet.name")
+        return NameColumn;
+    if (keyPath == u"catalogSet.year")
+        return YearColumn;
+    if (keyPath == u"catalogSet.pieceCount")
+        return PiecesColumn;
+    if (keyPath == u"overallCondition")
+        return ConditionColumn;
+    if (keyPath == u"dateAdded")
+        return AddedColumn;
+    return -1;
+}
+
+int SetListGroupModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : count();
+}
+
+int SetListGroupModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+namespace {
+
+QString nameCellText(const BrickSetWithCatalogSet &copy)
+{
+    if (!copy.catalogSet)
+        return u"Unknown Set"_s;
+    if (copy.catalogSet->name && !copy.catalogSet->name->isEmpty())
+        return *copy.catalogSet->name;
+    return copy.catalogSet->setNumber.value_or(QString());
+}
+
+} // namespace
+
+QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    const Group &group = m_groups[index.row()];
+    const BrickSet &brickSet = group.copy.brickSet;
+    const std::optional<CatalogSet> &catalogSet = group.copy.catalogSet;
+    const QString setNumber = catalogSet ? catalogSet->setNumber.value_or(QString()) : QString();
+    const std::optional<Decimal> price = group.priceGuide ? group.priceGuide->avgPrice : std::nullopt;
+    const QString currency = group.priceGuide ? group.priceGuide->currency.value_or(QString()) : QString();
+    switch (role) {
+    case Qt::DisplayRole:
+        switch (index.column()) {
+        case SetNumberColumn:
+            return setNumber;
+        case NameColumn:
+            return nameCellText(group.copy);
+        case ThemeColumn:
+            return catalogSet ? catalogSet->themeName.value_or(QString()) : QString();
+        case YearColumn:
+            return catalogSet ? QVariant(int(catalogSet->year)) : QVariant();
+        case PiecesColumn:
+            return catalogSet ? QVariant(int(catalogSet->pieceCount)) : QVariant();
+        case ConditionColumn: {
+            if (!brickSet.overallCondition)
+                return QString();
+            const auto condition = Vocabulary::fromRawValue<OverallCondition>(*brickSet.overallCondition);
+            return condition ? Vocabulary::displayName(*condition) : *brickSet.overallCondition;
+        }
+        case ValueColumn:
+            return price ? QString(price->toString() + (currency.isEmpty() ? QString() : u" "_s + currency))
+                         : QString();
+        case AddedColumn:
+            return brickSet.dateAdded ? QLocale().toString(brickSet.dateAdded->toLocalTime().date(), QLocale::ShortFormat)
+                                      : QString();
+        default:
+            return {};
+        }
+    case ObjectIDRole:
+        return QVariant::fromValue(brickSet.objectID);
+    case SetNumberRole:
+        return setNumber;
+    case NameRole:
+        return nameCellText(group.copy);
+    case ThemeNameRole:
+        return catalogSet ? catalogSet->themeName.value_or(QString()) : QString();
+    case YearRole:
+        return catalogSet ? int(catalogSet->year) : 0;
+    case PieceCountRole:
+        return catalogSet ? int(catalogSet->pieceCount) : 0;
+    case IsFavoriteRole:
+        return brickSet.isFavorite;
+    case CopyCountRole:
+        return group.copyCount;
+    case ConditionRole:
+        return brickSet.overallCondition.value_or(QString());
+    case PriceRole:
+        return price ? QVariant::fromValue(*price) : QVariant();
+    case CurrencyRole:
+        return currency;
+    case DateAddedRole:
+        return brickSet.dateAdded ? QVariant(*brickSet.dateAdded) : QVariant();
+    case ImageURLRole:
+        return catalogSet ? catalogSet->imageURL.value_or(QString()) : QString();
+    case ThumbnailURLRole:
+        return catalogSet ? catalogSet->thumbnailURL.value_or(QString()) : QString();
+    default:
+        return {};
+    }
+}
+
+QVariant SetListGroupModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return QAbstractTableModel::headerData(section, orientation, role);
+    switch (section) {
+    case SetNumberColumn:
+        //% "Set #"
+        return qtTrId("table.column.setNumber");
+    case NameColumn:
+        //% "Name"
+        return qtTrId("table.column.name");
+    case ThemeColumn:
+        //% "Theme"
+        return qtTrId("table.column.theme");
+    case YearColumn:
+        //% "Year"
+        return qtTrId("table.column.year");
+    case PiecesColumn:
+        //% "Pieces"
+        return qtTrId("table.column.pieces");
+    case ConditionColumn:
+        //% "Condition"
+        return qtTrId("table.column.condition");
+    case ValueColumn:
+        //% "Value"
+        return qtTrId("table.column.value");
+    case AddedColumn:
+        //% "Added"
+        return qtTrId("table.column.added");
+    default:
+        return QString();
+    }
+}
+
+QHash<int, QByteArray> SetListGroupModel::roleNames() const
+{
+    QHash<int, QByteArray> names = QAbstractTableModel::roleNames();
+    names.insert(ObjectIDRole, "objectID");
+    names.insert(SetNumberRole, "setNumber");
+    names.insert(NameRole, "name");
+    names.insert(ThemeNameRole, "themeName");
+    names.insert(YearRole, "year");
+    names.insert(PieceCountRole, "pieceCount");
+    names.insert(IsFavoriteRole, "isFavorite");
+    names.insert(CopyCountRole, "copyCount");
+    names.insert(ConditionRole, "condition");
+    names.insert(PriceRole, "price");
+    names.insert(CurrencyRole, "currency");
+    names.insert(DateAddedRole, "dateAdded");
+    names.insert(ImageURLRole, "imageURL");
+    names.insert(ThumbnailURLRole, "thumbnailURL");
+    return names;
+}
+
+void SetListGroupModel::sort(int column, Qt::SortOrder order)
+{
+    const QList<SortDescriptor> comparators = comparatorsForColumn(column, order);
+    if (!comparators.isEmpty())
+        Q_EMIT sortRequested(comparators);
+}

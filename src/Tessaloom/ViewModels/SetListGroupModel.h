@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Store/CachedPriceGuide.h"
+#include "Store/ManagedObjectContext.h"
+#include "Store/SortDescriptor.h"
+
+#include <QAbstractTableModel>
+#include <QHash>
+
+class BrickSetListModel;
+class PersistentContainer;
+
+// The copies of a live list as the set list shows them: one row per set, not per copy.
+// Walking the copies in their sorted order, the first copy of each set number stands for
+// its group and the others only raise its copy count. A copy without a catalog set (or
+// whose catalog set has no number) is keyed by its object's URI and so stays alone.
+//
+// The rows follow the live list: after each refetch the groups are rebuilt; when the
+// same copies still stand for the same groups only changed rows are reported, so views
+// keep their selection. The value column needs each set's market price, read from the
+// price guides once and read again only after a commit that touches guides.
+class SetListGroupModel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum Column {
+        ThumbnailColumn,
+        SetNumberColumn,
+        NameColumn,
+        ThemeColumn,
+        YearColumn,
+        PiecesColumn,
+        ConditionColumn,
+        ValueColumn,
+        AddedColumn,
+        ColumnCount
+    };
+    Q_ENUM(Column)
+
+    enum Role {
+        ObjectIDRole = Qt::UserRole + 1, // ObjectID of the copy that stands for the group
+        SetNumberRole,                   // QString, empty without a catalog set
+        NameRole,                        // QString, the name cell's text (name, number or "Unknown Set")
+        ThemeNameRole,                   // QString
+        YearRole,                        // int, 0 without a catalog set
+        PieceCountRole,                  // int
+        IsFavoriteRole,                  // bool
+        CopyCountRole,                   // int, the copies of this set in the list
+        ConditionRole,                   // QString raw value, empty when absent
+        PriceRole,                       // Decimal (preferred price), invalid when none
+        CurrencyRole,                    // QString, the preferred guide's currency
+        DateAddedRole,                   // QDateTime
+        ImageURLRole,                    // QString
+        ThumbnailURLRole,                // QString
+    };
+    Q_ENUM(Role)
+
+    struct Group
+    {
+        BrickSetWithCatalogSet copy; // the first copy in sort order
+        int copyCount = 1;
+        std::optional<CachedPriceGuide> priceGuide; // the set's preferred guide
+    };
+
+    SetListGroupModel(PersistentContainer &container, BrickSetListModel &copies, QObject *parent = nullptr);
+
+    // With a direction, the copies are sorted by their set's market price before grouping
+    // (the store cannot order by it); absent prices come first when ascending.
+    void setPriceSort(std::optional<bool> ascending);
+
+    int count() const { return int(m_groups.size()); }
+    const QList<Group> &groups() const { return m_groups; }
+    const Group &groupAt(int row) const { return m_groups.at(row); }
+    // The row whose group holds the copy `id` (standing for it or counted in it), or -1.
+    int rowOf(const ObjectID &id) const;
+
+    // The key a copy is grouped by.
+    static QString groupKey(const BrickSetWithCatalogSet &copy);
+
+    // The comparators a click on `column` stands for; empty for the columns that do not
+    // sort (thumbnail, theme). The value column sorts by name: a header cannot carry the
+    // computed price.
+    static QList<SortDescriptor> comparatorsForColumn(int column, Qt::SortOrder order);
+    static int columnOfSortOrder(const QList<SortDescriptor> &comparators);
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    QHash<int, QByteArray> roleNames() const override;
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+Q_SIGNALS:
+    void sortRequested(const QList<SortDescriptor> &comparators);
+    // After every rebuild, whether or not anything changed.
+    void regrouped();
+
+private:
+    void rebuild();
+    void onObjectsDidChange(const StoreChanges &changes);
+    const QHash<qint64, CachedPriceGuide> &priceGuides();
+
+    PersistentContainer &m_container;
+    BrickSetListModel &m_copies;
+    std::optional<bool> m_priceSortAscending;
+    QList<Group> m_groups;
+    QHash<ObjectID, int> m_rowOfCopy;
+    // Preferred guide by catalog set's primary key; read on demand.
+    QHash<qint64, CachedPriceGuide> m_priceGuides;
+    bool m_priceGuidesLoaded = false;
+};
