@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "DumpServer.h"
+#include "Services/CatalogDatabaseService.h"
+#include "Services/RebrickableCatalog.h"
+#include "TestEnvironment.h"
+#include "Views/CatalogStatusIndicator.h"
+#include "Views/SampleCatalogNotice.h"
+#include "Views/TranslationLoader.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QSettings>
+#include <QStatusBar>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using Kind = CatalogDatabaseService::State::Kind;
+
+// A build that runs behind the user's back shows in the status bar while the window
+// stays usable, and its outcome is told when it ends.
+class CatalogStatusIndicatorTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    DumpServer m_dumps;
+
+    QString applicationDirectory() const { return QFileInfo(RebrickableCatalog::defaultDatabasePath()).path(); }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        TestEnvironment::isolate();
+        QVERIFY(TranslationLoader::install(*qApp, QLocale(QLocale::English)));
+        QVERIFY(m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR),
+                                          TestEnvironment::temporaryRoot() + u"/dumps"_s));
+    }
+
+    void init()
+    {
+        QSettings().clear();
+        QDir(applicationDirectory()).removeRecursively();
+        RebrickableCatalog::replaceShared(nullptr);
+    }
+
+    void backgroundBuildShowsItsStepThenItsOutcome()
+    {
+        CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
+        QMainWindow window;
+        auto *indicator = new CatalogStatusIndicator(service, window.statusBar());
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(!indicator->isVisible());
+
+        service.startBuild();
+        QTRY_VERIFY(indicator->isVisible());
+        QVERIFY(indicator->statusText().startsWith(u"Catalog: "_s));
+        QVERIFY(window.isEnabled()); // nothing blocks the window meanwhile
+        QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::completed, 120'000);
+        QVERIFY(!indicator->isVisible());
+        QCOMPARE(window.statusBar()->currentMessage(), u"The catalog is up to date: 477 sets."_s);
+    }
+
+    void failedBackgroundBuildSaysWhy()
+    {
+        LoopbackHttpServer::Response missing;
+        missing.status = 404;
+        m_dumps.setResponse(u"themes"_s, missing);
+        CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
+        QMainWindow window;
+        new CatalogStatusIndicator(service, window.statusBar());
+        service.startBuild();
+        QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::failed, 60'000);
+        QCOMPARE(window.statusBar()->currentMessage(),
+                 u"The catalog could not be updated: Failed to download themes.csv.gz: HTTP 404"_s);
+        m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR), TestEnvironment::temporaryRoot() + u"/dumps"_s);
+    }
+
+    void sampleNoticeStartsTheFullDownloadAndGoesOnceItIsLive()
+    {
+        const QString bundled = RebrickableCatalog::bundledDatabasePath();
+        QDir().mkpath(QFileInfo(bundled).path());
+        QFile::remove(bundled);
+        // The sample catalog where the program looks for the one bundled with it.
+        QVERIFY(QFile::copy(QStringLiteral(TESSALOOM_SAMPLE_CATALOG), bundled));
+        RebrickableCatalog::replaceShared(RebrickableCatalog::openFile(bundled));
+
+        CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
+        SampleCatalogNotice notice(service);
+        notice.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&notice));
+        QVERIFY(notice.isVisible());
+        QTest::mouseClick(notice.downloadButton(), Qt::LeftButton);
+        QTRY_VERIFY(!notice.downloadButton()->isEnabled());
+        QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::completed, 120'000);
+        QVERIFY(!notice.isVisible());
+        QCOMPARE(RebrickableCatalog::shared()->path(), service.liveDatabasePath());
+        QFile::remove(bundled);
+    }
+};
+
+QTEST_MAIN(CatalogStatusIndicatorTest)
+#include "CatalogStatusIndicatorTest.moc"
