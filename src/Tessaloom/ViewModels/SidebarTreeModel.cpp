@@ -238,6 +238,7 @@ void SidebarTreeModel::syncCollectionRows()
     // to insert or remove, one at a time, and views keep the selection of the others.
     Node *collection = sectionNode(Section::myCollection);
     const QModelIndex parentIndex = indexOfNode(collection);
+    m_changingRows = true;
     int row = 0;
     for (const SidebarItem &item : SidebarViewModel::allCollectionItems()) {
         const bool present = row < int(collection->children.size()) && collection->children[size_t(row)]->item == item;
@@ -257,6 +258,8 @@ void SidebarTreeModel::syncCollectionRows()
         if (wanted)
             ++row;
     }
+    m_changingRows = false;
+    Q_EMIT rowsChanged();
 }
 
 void SidebarTreeModel::reloadThemes()
@@ -264,6 +267,7 @@ void SidebarTreeModel::reloadThemes()
     Node *catalog = sectionNode(Section::catalog);
     const QModelIndex parentIndex = indexOfNode(catalog);
     const int oldCount = int(catalog->children.size());
+    m_changingRows = true;
     if (oldCount > m_fixedCatalogRows) {
         beginRemoveRows(parentIndex, m_fixedCatalogRows, oldCount - 1);
         catalog->children.erase(catalog->children.begin() + m_fixedCatalogRows, catalog->children.end());
@@ -271,13 +275,15 @@ void SidebarTreeModel::reloadThemes()
         endRemoveRows();
     }
     const QList<ThemeNode> &themes = m_viewModel.themeTree();
-    if (themes.isEmpty())
-        return;
-    beginInsertRows(parentIndex, m_fixedCatalogRows, m_fixedCatalogRows + int(themes.size()) - 1);
-    for (const ThemeNode &theme : themes)
-        catalog->children.push_back(makeThemeNode(theme, catalog));
-    renumber(catalog);
-    endInsertRows();
+    if (!themes.isEmpty()) {
+        beginInsertRows(parentIndex, m_fixedCatalogRows, m_fixedCatalogRows + int(themes.size()) - 1);
+        for (const ThemeNode &theme : themes)
+            catalog->children.push_back(makeThemeNode(theme, catalog));
+        renumber(catalog);
+        endInsertRows();
+    }
+    m_changingRows = false;
+    Q_EMIT rowsChanged();
 }
 
 void SidebarTreeModel::updateBadge(SidebarItem::Kind kind)

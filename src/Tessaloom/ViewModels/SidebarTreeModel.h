@@ -21,9 +21,8 @@ struct ThemeNode;
 // and the outline is replaced after each new catalog, by row removals and insertions, so a
 // view keeps the selection of rows that stay.
 //
-// The model holds no selection: a view maps its current index to the view model's
-// selectedItem() with itemAt() and back with indexOf(). A selected row that is hidden
-// leaves the view without a current row, but must not clear selectedItem().
+// The model holds no selection: SidebarSelectionBinder keeps a view's selection and the
+// view model's selectedItem() in step, through itemAt() and indexOf().
 class SidebarTreeModel : public QAbstractItemModel
 {
     Q_OBJECT
@@ -60,6 +59,10 @@ public:
     // The item of a row; nothing for section rows and invalid indexes.
     std::optional<SidebarItem> itemAt(const QModelIndex &index) const;
 
+    // True while rows are being inserted or removed; a selection model moving its current
+    // row away from a removed one is then no choice of the user's.
+    bool isChangingRows() const { return m_changingRows; }
+
     QModelIndex index(int row, int column, const QModelIndex &parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex &index) const override;
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
@@ -67,6 +70,10 @@ public:
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    // After rows were inserted or removed (a visibility setting, a new outline).
+    void rowsChanged();
 
 private:
     struct Node
@@ -93,4 +100,5 @@ private:
     Node m_root;
     int m_fixedCatalogRows = 0;
     QHash<SidebarItem, Node *> m_themeNodes;
+    bool m_changingRows = false;
 };
