@@ -470,11 +470,12 @@ private Q_SLOTS:
     {
         const auto model = makeModel();
         QSignalSpy changed(model.get(), &SidebarViewModel::badgeCountChanged);
+        QSignalSpy announced(&m_store->container(), &PersistentContainer::objectsDidChange);
         CatalogPart part;
         part.partNumber = u"3001"_s;
         context().insert(part);
         context().save();
-        QTest::qWait(20);
+        QTRY_COMPARE(announced.count(), 1);
         QCOMPARE(changed.count(), 0);
     }
 };
