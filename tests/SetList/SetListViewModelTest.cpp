@@ -213,6 +213,21 @@ private Q_SLOTS:
         QCOMPARE(fetchedNumbers(model, QString()), QStringList{u"75192-1"_s});
     }
 
+    void sidebarItemsFetchLikeTheirIds()
+    {
+        addCopy(m_falcon.objectID, [](BrickSet &copy) { copy.isFavorite = true; });
+        addCopy(m_castle.objectID);
+        SetListViewModel model(m_store->container());
+        QStringList favorites;
+        for (const BrickSet &copy : context().fetch(model.fetchRequest(SidebarItem(SidebarItem::Kind::favorites))))
+            favorites << copy.id.toString();
+        QCOMPARE(favorites.size(), 1);
+        QCOMPARE(context().count(model.fetchRequest(std::optional<SidebarItem>())), qint64(2));
+        model.sidebarSelectionChanged(SidebarItem(SidebarItem::Kind::favorites));
+        QCOMPARE(model.selectionID(), u"favorites"_s);
+        QCOMPARE(cellNumbers(*model.groups()), QStringList{u"75192-1"_s});
+    }
+
     // ---- Filters --------------------------------------------------------------------------
 
     void filtersOfThemeYearAndConditionNarrowTheList()

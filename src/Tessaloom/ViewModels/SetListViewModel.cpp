@@ -126,6 +126,11 @@ void SetListViewModel::sidebarSelectionChanged(const QString &itemID)
     }
 }
 
+void SetListViewModel::sidebarSelectionChanged(const std::optional<SidebarItem> &item)
+{
+    sidebarSelectionChanged(item ? item->id() : QString());
+}
+
 // ---- Search ---------------------------------------------------------------------------------
 
 void SetListViewModel::setSearchText(const QString &text)
@@ -340,6 +345,11 @@ FetchRequest<BrickSet> SetListViewModel::fetchRequest(const QString &itemID) con
     if (m_filterCondition)
         predicates.append(BrickSetQueries::overallCondition(Vocabulary::rawValue(*m_filterCondition)));
     return FetchRequest<BrickSet>(Predicate::allOf(predicates), sortDescriptors());
+}
+
+FetchRequest<BrickSet> SetListViewModel::fetchRequest(const std::optional<SidebarItem> &item) const
+{
+    return fetchRequest(item ? item->id() : QString());
 }
 
 void SetListViewModel::applyCollectionRequest()

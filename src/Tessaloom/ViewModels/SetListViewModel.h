@@ -7,6 +7,7 @@
 #include "Store/FetchRequest.h"
 #include "ViewModels/SetListSelection.h"
 #include "ViewModels/SetListSortOrder.h"
+#include "ViewModels/SidebarItem.h"
 
 #include <QHash>
 #include <QObject>
@@ -53,6 +54,7 @@ public:
     // whole catalog; "catalog_all_themes" only empties the results; anything else (or no
     // selection) clears the theme, the results and the search.
     void sidebarSelectionChanged(const QString &itemID);
+    void sidebarSelectionChanged(const std::optional<SidebarItem> &item);
     // Whether the list shows catalog results rather than copies.
     bool isCatalogList() const { return m_selection.isCatalog(); }
 
@@ -101,6 +103,7 @@ public:
     // The fetch of copies for the sidebar item `itemID` under the current search text,
     // filters and sort.
     FetchRequest<BrickSet> fetchRequest(const QString &itemID) const;
+    FetchRequest<BrickSet> fetchRequest(const std::optional<SidebarItem> &item) const;
     // The live list of the current selection's copies, in sort order, one row per copy.
     BrickSetListModel *copies() const { return m_copies.get(); }
     // The same copies grouped by set number: what the grid and table of copies show.
