@@ -114,6 +114,15 @@ private Q_SLOTS:
         QCOMPARE(fetchedNumbers(model, u"catalog_theme_158"_s).size(), 2);
     }
 
+    void themeSelectionIsACatalogListLimitedToThatTheme()
+    {
+        SetListViewModel model(m_store->container());
+        model.setSelectionID(u"catalog_theme_158"_s);
+        QVERIFY(model.isCatalogList());
+        QCOMPARE(model.selection().themeID(), std::optional<int>(158));
+        QCOMPARE(model.copies()->count(), 0);
+    }
+
     void searchOverCopiesAppliesAtOnceWithoutWaiting()
     {
         addCopy(m_falcon.objectID);
@@ -209,6 +218,7 @@ private Q_SLOTS:
         SetListViewModel model(m_store->container());
         QCOMPARE(fetchedNumbers(model, u"catalog_theme_"_s), QStringList{u"75192-1"_s});
         QCOMPARE(fetchedNumbers(model, u"catalog_theme_abc"_s), QStringList{u"75192-1"_s});
+        QCOMPARE(fetchedNumbers(model, u"catalog_theme_ 5"_s), QStringList{u"75192-1"_s});
         QCOMPARE(fetchedNumbers(model, u"no_such_item"_s), QStringList{u"75192-1"_s});
         QCOMPARE(fetchedNumbers(model, QString()), QStringList{u"75192-1"_s});
     }

@@ -1,40 +1,59 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ViewModels/SetListSelection.h"
 
-#include <QHash>
-
-using namespace Qt::StringLiterals;
+#include "ViewModels/SidebarItem.h"
 
 SetListSelection SetListSelection::fromItemID(const QString &itemID)
 {
-    static const QHash<QString, Kind> fixed{
-        {u"all_sets"_s, Kind::allSets},
-        {u"favorites"_s, Kind::favorites},
-        {u"wishlist"_s, Kind::wishlist},
-        {u"recently_added"_s, Kind::recentlyAdded},
-        {u"unknown_acquisition"_s, Kind::unknownAcquisition},
-        {u"unknown_condition"_s, Kind::unknownCondition},
-        {u"retired"_s, Kind::retired},
-        {u"no_pricing"_s, Kind::noPricing},
-        {u"outdated_pricing"_s, Kind::outdatedPricing},
-        {u"trash"_s, Kind::trash},
-        {u"inventory"_s, Kind::inventory},
-        {u"catalog_all"_s, Kind::catalogAll},
-        {u"catalog_all_themes"_s, Kind::catalogAllThemes},
-    };
+    // The sidebar's own parsing, without the theme's name: the list needs only the id.
+    const std::optional<SidebarItem> item = SidebarItem::fromID(itemID, nullptr);
     SetListSelection selection;
-    if (const auto found = fixed.constFind(itemID); found != fixed.cend()) {
-        selection.m_kind = *found;
+    if (!item)
         return selection;
-    }
-    static const QString themePrefix = u"catalog_theme_"_s;
-    if (itemID.startsWith(themePrefix)) {
-        bool isNumber = false;
-        const int themeID = QStringView(itemID).mid(themePrefix.size()).toInt(&isNumber, 10);
-        if (isNumber) {
-            selection.m_kind = Kind::catalogTheme;
-            selection.m_themeID = themeID;
-        }
+    switch (item->kind()) {
+    case SidebarItem::Kind::catalogTheme:
+        selection.m_kind = Kind::catalogTheme;
+        selection.m_themeID = item->themeID();
+        break;
+    case SidebarItem::Kind::allSets:
+        selection.m_kind = Kind::allSets;
+        break;
+    case SidebarItem::Kind::favorites:
+        selection.m_kind = Kind::favorites;
+        break;
+    case SidebarItem::Kind::wishlist:
+        selection.m_kind = Kind::wishlist;
+        break;
+    case SidebarItem::Kind::recentlyAdded:
+        selection.m_kind = Kind::recentlyAdded;
+        break;
+    case SidebarItem::Kind::unknownAcquisition:
+        selection.m_kind = Kind::unknownAcquisition;
+        break;
+    case SidebarItem::Kind::unknownCondition:
+        selection.m_kind = Kind::unknownCondition;
+        break;
+    case SidebarItem::Kind::retired:
+        selection.m_kind = Kind::retired;
+        break;
+    case SidebarItem::Kind::noPricing:
+        selection.m_kind = Kind::noPricing;
+        break;
+    case SidebarItem::Kind::outdatedPricing:
+        selection.m_kind = Kind::outdatedPricing;
+        break;
+    case SidebarItem::Kind::trash:
+        selection.m_kind = Kind::trash;
+        break;
+    case SidebarItem::Kind::inventory:
+        selection.m_kind = Kind::inventory;
+        break;
+    case SidebarItem::Kind::catalogAll:
+        selection.m_kind = Kind::catalogAll;
+        break;
+    case SidebarItem::Kind::catalogAllThemes:
+        selection.m_kind = Kind::catalogAllThemes;
+        break;
     }
     return selection;
 }
