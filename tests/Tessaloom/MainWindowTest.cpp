@@ -7,6 +7,11 @@
 #include "Views/EmptyStateView.h"
 #include "Views/MainWindow.h"
 #include "Views/OwnedCopiesList.h"
+#include "Views/SetListView.h"
+#include "Views/ThemeBrowserView.h"
+#include "ViewModels/SetListViewModel.h"
+#include "ViewModels/SidebarItem.h"
+#include "ViewModels/SidebarViewModel.h"
 #include "Store/BrickSetListModel.h"
 #include "Store/CatalogSet.h"
 #include "Store/BrickSet.h"
@@ -19,6 +24,7 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QListView>
+#include <QTableView>
 #include <QTest>
 #include <QUuid>
 
@@ -111,7 +117,8 @@ private Q_SLOTS:
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         OwnedCopiesList *list = window.ownedCopiesList();
-        QCOMPARE(window.contentView()->middleColumn()->currentWidget(), list);
+        QCOMPARE(window.contentView()->middleColumn()->currentWidget(), window.contentView()->setListView());
+        QCOMPARE(window.contentView()->setListView()->currentList(), list);
         QCOMPARE(list->currentWidget(), list->emptyState());
 
         auto background = m_store->container().newBackgroundContext();
@@ -135,6 +142,42 @@ private Q_SLOTS:
         QTRY_COMPARE(list->model()->rowCount(), 1);
         QTRY_COMPARE(list->currentWidget(), list->listView());
         QCOMPARE(list->model()->data(list->model()->index(0), Qt::DisplayRole).toString(), u"75192-1  Millennium Falcon"_s);
+    }
+
+    void sidebarSelectionDecidesTheMiddleAndDetailColumns()
+    {
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        ContentView *content = window.contentView();
+        SidebarViewModel &sidebar = content->sidebarViewModel();
+
+        sidebar.setSelectedItem(SidebarItem(SidebarItem::Kind::catalogAllThemes));
+        QCOMPARE(content->middleColumn()->currentWidget(), content->themeBrowser());
+        QCOMPARE(content->detailPlaceholder()->symbolName(), u"folder"_s);
+        QCOMPARE(content->detailPlaceholder()->title(), u"No Theme Selected"_s);
+
+        sidebar.setSelectedItem(SidebarItem(SidebarItem::Kind::trash));
+        QCOMPARE(content->middleColumn()->currentWidget(), content->setListView());
+        QCOMPARE(content->detailPlaceholder()->symbolName(), u"trash"_s);
+
+        sidebar.setSelectedItem(SidebarItem(SidebarItem::Kind::catalogAll));
+        QCOMPARE(content->setListView()->currentList(), content->setListView()->catalogTable());
+        QCOMPARE(content->detailPlaceholder()->symbolName(), u"square.grid.2x2"_s);
+
+        sidebar.setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
+        QCOMPARE(content->setListView()->currentList(), window.ownedCopiesList());
+    }
+
+    void choosingAThemeInTheBrowserSelectsItInTheSidebar()
+    {
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
+        ContentView *content = window.contentView();
+        content->sidebarViewModel().setSelectedItem(SidebarItem(SidebarItem::Kind::catalogAllThemes));
+        Q_EMIT content->themeBrowser()->themeSelected(158, u"Star Wars"_s);
+        QCOMPARE(content->sidebarViewModel().selectedItem(), SidebarItem::catalogTheme(158, u"Star Wars"_s));
+        QCOMPARE(content->listViewModel().currentCatalogThemeID(), 158);
+        QCOMPARE(content->middleColumn()->currentWidget(), content->setListView());
     }
 
     void closesCleanly()

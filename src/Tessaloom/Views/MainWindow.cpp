@@ -5,6 +5,7 @@
 #include "Views/CatalogStatusIndicator.h"
 #include "Views/ContentView.h"
 #include "Views/OwnedCopiesList.h"
+#include "Views/SetListView.h"
 #include "Views/SampleCatalogNotice.h"
 
 #include <QAction>
@@ -32,8 +33,7 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
                        AppUpdateService &updateService, QWidget *parent)
     : QMainWindow(parent)
     , m_updateService(updateService)
-    , m_contentView(new ContentView)
-    , m_ownedCopiesList(new OwnedCopiesList(container))
+    , m_contentView(new ContentView(container, catalogService))
     , m_sampleCatalogNotice(new SampleCatalogNotice(catalogService))
     , m_catalogStatusIndicator(new CatalogStatusIndicator(catalogService, statusBar()))
 {
@@ -47,7 +47,7 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
     layout->addWidget(m_sampleCatalogNotice);
     layout->addWidget(m_contentView, 1);
     setCentralWidget(central);
-    m_contentView->setMiddleWidget(m_ownedCopiesList);
+
     setUnifiedTitleAndToolBarOnMac(true);
     buildMenus();
     statusBar()->setSizeGripEnabled(true);
@@ -138,6 +138,11 @@ void MainWindow::saveWindowState() const
     QSettings settings;
     settings.setValue(geometryKey, saveGeometry());
     settings.setValue(columnsKey, m_contentView->splitter()->saveState());
+}
+
+OwnedCopiesList *MainWindow::ownedCopiesList() const
+{
+    return m_contentView->setListView()->copiesList();
 }
 
 void MainWindow::showEvent(QShowEvent *event)

@@ -24,7 +24,7 @@ public:
                AppUpdateService &updateService, QWidget *parent = nullptr);
 
     ContentView *contentView() const { return m_contentView; }
-    OwnedCopiesList *ownedCopiesList() const { return m_ownedCopiesList; }
+    OwnedCopiesList *ownedCopiesList() const;
     SampleCatalogNotice *sampleCatalogNotice() const { return m_sampleCatalogNotice; }
     CatalogStatusIndicator *catalogStatusIndicator() const { return m_catalogStatusIndicator; }
     QAction *checkForUpdatesAction() const { return m_checkForUpdatesAction; }
@@ -46,7 +46,6 @@ private:
 
     AppUpdateService &m_updateService;
     ContentView *m_contentView;
-    OwnedCopiesList *m_ownedCopiesList;
     SampleCatalogNotice *m_sampleCatalogNotice;
     CatalogStatusIndicator *m_catalogStatusIndicator;
     QAction *m_checkForUpdatesAction = nullptr;

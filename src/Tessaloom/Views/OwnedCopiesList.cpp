@@ -2,22 +2,19 @@
 #include "Views/OwnedCopiesList.h"
 
 #include "Store/BrickSetListModel.h"
-#include "Store/BrickSetQueries.h"
 #include "Views/EmptyStateView.h"
 
 #include <QListView>
 
 using namespace Qt::StringLiterals;
 
-OwnedCopiesList::OwnedCopiesList(PersistentContainer &container, QWidget *parent)
+OwnedCopiesList::OwnedCopiesList(BrickSetListModel *model, QWidget *parent)
     : QStackedWidget(parent)
-    , m_model(new BrickSetListModel(container, this))
+    , m_model(model)
     , m_listView(new QListView(this))
     , m_emptyState(new EmptyStateView(this))
 {
     setObjectName(u"ownedCopiesList"_s);
-    m_model->setFetchRequest(FetchRequest<BrickSet>(BrickSetQueries::notTrashed(),
-                                                    {{u"catalogSet.name"_s, true}, {u"dateAdded"_s, true}}));
     m_listView->setModel(m_model);
     m_listView->setUniformItemSizes(true);
     m_listView->setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -5,18 +5,17 @@
 
 class BrickSetListModel;
 class EmptyStateView;
-class PersistentContainer;
 class QListView;
 
-// The middle column's list of the copies in the collection that are not in the trash,
-// live: a save from any context shows here at once. With no copies it shows an empty
-// state instead of a blank list.
+// The middle column's list of the copies the selected smart list holds, live: a save from
+// any context shows here at once. With no copies it shows an empty state instead of a
+// blank list.
 class OwnedCopiesList : public QStackedWidget
 {
     Q_OBJECT
 
 public:
-    explicit OwnedCopiesList(PersistentContainer &container, QWidget *parent = nullptr);
+    explicit OwnedCopiesList(BrickSetListModel *model, QWidget *parent = nullptr);
 
     BrickSetListModel *model() const { return m_model; }
     QListView *listView() const { return m_listView; }

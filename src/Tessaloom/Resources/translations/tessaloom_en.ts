@@ -15,14 +15,6 @@
         <source>Sets you add to your collection appear here.</source>
         <translation type="unfinished"></translation>
     </message>
-    <message id="sidebar.section.collection">
-        <source>Collection</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="sidebar.item.allSets">
-        <source>All Sets</source>
-        <translation type="unfinished"></translation>
-    </message>
     <message id="detail.placeholder.title">
         <source>No Set Selected</source>
         <translation type="unfinished"></translation>
@@ -266,6 +258,26 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="catalog.themes.search.prompt">
         <source>Search themes or a year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.placeholder.title">
+        <source>No Set Selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.placeholder.description">
+        <source>Select a set in the trash to restore it or delete it for good.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.placeholder.selectTheme">
+        <source>No Theme Selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.placeholder.selectThemeDescription">
+        <source>Select a theme to see its sets.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.search.prompt">
+        <source>Search by name, number or year</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
