@@ -9,6 +9,8 @@
 #include <RebrickableKit/RebrickableDatabaseBuilder.h>
 #include <RebrickableKit/SQLiteError.h>
 
+#include "ToolConsole.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -21,29 +23,14 @@
 
 using namespace Qt::StringLiterals;
 using namespace RebrickableKit;
+using namespace ToolConsole;
 
 namespace {
 
-constexpr int exitSuccess = 0;
-constexpr int exitFailure = 1;
-constexpr int exitUsage = 2;
-
-QTextStream &out()
-{
-    static QTextStream stream(stdout);
-    return stream;
-}
-
-QTextStream &err()
-{
-    static QTextStream stream(stderr);
-    return stream;
-}
-
+// Failure lines of this tool start with its name.
 int fail(const QString &message)
 {
-    err() << "rebrickable-build-db: " << message << Qt::endl;
-    return exitFailure;
+    return ToolConsole::fail(u"rebrickable-build-db"_s, message);
 }
 
 void printPhase(const RebrickableDatabaseBuilder::BuildPhase &phase)

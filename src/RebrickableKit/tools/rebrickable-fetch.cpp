@@ -13,6 +13,8 @@
 
 #include <Endpoints.h>
 
+#include "ToolConsole.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -25,29 +27,14 @@
 
 using namespace Qt::StringLiterals;
 using namespace RebrickableKit;
+using namespace ToolConsole;
 
 namespace {
 
-constexpr int exitSuccess = 0;
-constexpr int exitFailure = 1;
-constexpr int exitUsage = 2;
-
-QTextStream &out()
-{
-    static QTextStream stream(stdout);
-    return stream;
-}
-
-QTextStream &err()
-{
-    static QTextStream stream(stderr);
-    return stream;
-}
-
+// Failure lines of this tool start with its name.
 int fail(const QString &message)
 {
-    err() << "rebrickable-fetch: " << message << Qt::endl;
-    return exitFailure;
+    return ToolConsole::fail(u"rebrickable-fetch"_s, message);
 }
 
 // The sentence of any error the downloader raises; the same words the application shows.
