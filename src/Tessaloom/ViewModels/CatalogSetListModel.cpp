@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ViewModels/CatalogSetListModel.h"
 
+#include "ViewModels/SetListColumnTitle.h"
+
 using namespace Qt::StringLiterals;
 
 CatalogSetListModel::CatalogSetListModel(QObject *parent)
@@ -138,20 +140,15 @@ QVariant CatalogSetListModel::headerData(int section, Qt::Orientation orientatio
         return QAbstractTableModel::headerData(section, orientation, role);
     switch (section) {
     case SetNumberColumn:
-        //% "Set #"
-        return qtTrId("table.column.setNumber");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::setNumber);
     case NameColumn:
-        //% "Name"
-        return qtTrId("table.column.name");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::name);
     case ThemeColumn:
-        //% "Theme"
-        return qtTrId("table.column.theme");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::theme);
     case YearColumn:
-        //% "Year"
-        return qtTrId("table.column.year");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::year);
     case PiecesColumn:
-        //% "Pieces"
-        return qtTrId("table.column.pieces");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::pieces);
     default:
         return QString();
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ViewModels/SetListGroupModel.h"
 
+#include "ViewModels/SetListColumnTitle.h"
+
 #include "Logging.h"
 #include "OverallCondition.h"
 #include "Store/BrickSetListModel.h"
@@ -291,29 +293,21 @@ QVariant SetListGroupModel::headerData(int section, Qt::Orientation orientation,
         return QAbstractTableModel::headerData(section, orientation, role);
     switch (section) {
     case SetNumberColumn:
-        //% "Set #"
-        return qtTrId("table.column.setNumber");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::setNumber);
     case NameColumn:
-        //% "Name"
-        return qtTrId("table.column.name");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::name);
     case ThemeColumn:
-        //% "Theme"
-        return qtTrId("table.column.theme");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::theme);
     case YearColumn:
-        //% "Year"
-        return qtTrId("table.column.year");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::year);
     case PiecesColumn:
-        //% "Pieces"
-        return qtTrId("table.column.pieces");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::pieces);
     case ConditionColumn:
-        //% "Condition"
-        return qtTrId("table.column.condition");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::condition);
     case ValueColumn:
-        //% "Value"
-        return qtTrId("table.column.value");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::value);
     case AddedColumn:
-        //% "Added"
-        return qtTrId("table.column.added");
+        return SetListColumnTitle::text(SetListColumnTitle::Kind::added);
     default:
         return QString();
     }
