@@ -6,7 +6,9 @@
 #include "Views/ContentView.h"
 #include "Views/EmptyStateView.h"
 #include "Views/MainWindow.h"
-#include "Views/OwnedCopiesList.h"
+#include "ViewModels/SetListGroupModel.h"
+#include "Views/SetGridView.h"
+#include "Views/CatalogTableView.h"
 #include "Views/SetListView.h"
 #include "Views/ThemeBrowserView.h"
 #include "ViewModels/SetListViewModel.h"
@@ -116,10 +118,9 @@ private Q_SLOTS:
         MainWindow window(m_store->container(), *m_catalogService, *m_updates);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
-        OwnedCopiesList *list = window.ownedCopiesList();
-        QCOMPARE(window.contentView()->middleColumn()->currentWidget(), window.contentView()->setListView());
-        QCOMPARE(window.contentView()->setListView()->currentList(), list);
-        QCOMPARE(list->currentWidget(), list->emptyState());
+        SetListView *list = window.contentView()->setListView();
+        QCOMPARE(window.contentView()->middleColumn()->currentWidget(), list);
+        QCOMPARE(list->currentList(), list->copiesEmptyState());
 
         auto background = m_store->container().newBackgroundContext();
         background->perform([](ManagedObjectContext &context) {
@@ -139,9 +140,10 @@ private Q_SLOTS:
             context.insert(trashed);
             context.save();
         });
-        QTRY_COMPARE(list->model()->rowCount(), 1);
-        QTRY_COMPARE(list->currentWidget(), list->listView());
-        QCOMPARE(list->model()->data(list->model()->index(0), Qt::DisplayRole).toString(), u"75192-1  Millennium Falcon"_s);
+        SetListGroupModel *groups = window.contentView()->listViewModel().groups();
+        QTRY_COMPARE(groups->rowCount(), 1);
+        QTRY_COMPARE(list->currentList(), list->copiesGrid());
+        QCOMPARE(groups->index(0, 0).data(SetListGroupModel::NameRole).toString(), u"Millennium Falcon"_s);
     }
 
     void sidebarSelectionDecidesTheMiddleAndDetailColumns()
@@ -162,11 +164,16 @@ private Q_SLOTS:
         QCOMPARE(content->detailPlaceholder()->symbolName(), u"trash"_s);
 
         sidebar.setSelectedItem(SidebarItem(SidebarItem::Kind::catalogAll));
-        QCOMPARE(content->setListView()->currentList(), content->setListView()->catalogTable());
+        QVERIFY(content->listViewModel().isCatalogList());
+        QTRY_VERIFY(!content->listViewModel().isCatalogSearchRunning());
+        // The catalog's results, or the empty state when no catalog is at hand.
+        SetListView *list = content->setListView();
+        QVERIFY(list->currentList() == list->catalogGrid() || list->currentList() == list->catalogEmptyState());
         QCOMPARE(content->detailPlaceholder()->symbolName(), u"square.grid.2x2"_s);
 
         sidebar.setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
-        QCOMPARE(content->setListView()->currentList(), window.ownedCopiesList());
+        const bool hasCopies = content->listViewModel().groups()->count() > 0;
+        QCOMPARE(list->currentList(), hasCopies ? static_cast<QWidget *>(list->copiesGrid()) : list->copiesEmptyState());
     }
 
     void choosingAThemeInTheBrowserSelectsItInTheSidebar()

@@ -214,6 +214,19 @@ QString nameCellText(const BrickSetWithCatalogSet &copy)
     return copy.catalogSet->setNumber.value_or(QString());
 }
 
+// The set's picture: the small one first for a thumbnail, the large one first otherwise,
+// each falling back on the other.
+QString pictureURL(const std::optional<CatalogSet> &catalogSet, bool small)
+{
+    if (!catalogSet)
+        return {};
+    const std::optional<QString> &first = small ? catalogSet->thumbnailURL : catalogSet->imageURL;
+    const std::optional<QString> &second = small ? catalogSet->imageURL : catalogSet->thumbnailURL;
+    if (first && !first->isEmpty())
+        return *first;
+    return second.value_or(QString());
+}
+
 } // namespace
 
 QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
@@ -229,6 +242,8 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
         switch (index.column()) {
+        case ThumbnailColumn:
+            return pictureURL(catalogSet, true);
         case SetNumberColumn:
             return setNumber;
         case NameColumn:
@@ -279,7 +294,7 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
     case DateAddedRole:
         return brickSet.dateAdded ? QVariant(*brickSet.dateAdded) : QVariant();
     case ImageURLRole:
-        return catalogSet ? catalogSet->imageURL.value_or(QString()) : QString();
+        return pictureURL(catalogSet, false);
     case ThumbnailURLRole:
         return catalogSet ? catalogSet->thumbnailURL.value_or(QString()) : QString();
     default:

@@ -52,7 +52,7 @@ public:
         PriceRole,                       // Decimal (preferred price), invalid when none
         CurrencyRole,                    // QString, the preferred guide's currency
         DateAddedRole,                   // QDateTime
-        ImageURLRole,                    // QString
+        ImageURLRole,                    // QString, the large picture or else the small one
         ThumbnailURLRole,                // QString
     };
     Q_ENUM(Role)

@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Views/ContentView.h"
 
+#include "Logging.h"
+#include "Services/RebrickableCatalog.h"
 #include "Store/PersistentContainer.h"
+#include "Store/StoreError.h"
+#include "ViewModels/DetailColumnRule.h"
 #include "ViewModels/SetListViewModel.h"
 #include "ViewModels/SidebarItem.h"
 #include "ViewModels/SidebarViewModel.h"
 #include "Views/EmptyStateView.h"
 #include "Views/SetListView.h"
+#include "Views/SetPreviewView.h"
 #include "Views/SidebarView.h"
 #include "Views/ThemeBrowserView.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QSettings>
 #include <QSplitter>
@@ -22,10 +28,18 @@ constexpr int sidebarWidth = 220;
 constexpr int middleWidth = 460;
 constexpr int detailWidth = 520;
 const QString themeBrowserSearchKey = u"themeBrowser.searchText"_s;
+
+bool isCatalogItem(const std::optional<SidebarItem> &item)
+{
+    return item
+        && (item->kind() == SidebarItem::Kind::catalogAll || item->kind() == SidebarItem::Kind::catalogAllThemes
+            || item->isCatalogTheme());
+}
 } // namespace
 
 ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService &catalogService, QWidget *parent)
     : QWidget(parent)
+    , m_container(container)
     , m_sidebarViewModel(std::make_unique<SidebarViewModel>(container.viewContext(), catalogService))
     , m_listViewModel(std::make_unique<SetListViewModel>(container))
     , m_splitter(new QSplitter(Qt::Horizontal, this))
@@ -35,6 +49,8 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     , m_themeBrowser(new ThemeBrowserView(m_middleColumn))
     , m_detailColumn(new QStackedWidget(m_splitter))
     , m_detailPlaceholder(new EmptyStateView(m_detailColumn))
+    , m_setPreview(new SetPreviewView(m_detailColumn))
+    , m_findAction(new QAction(this))
 {
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -49,6 +65,13 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     m_middleColumn->addWidget(m_setListView);
     m_middleColumn->addWidget(m_themeBrowser);
     m_detailColumn->addWidget(m_detailPlaceholder);
+    m_detailColumn->addWidget(m_setPreview);
+
+    // A window-wide shortcut without a visible control: Ctrl+F from anywhere in the window.
+    m_findAction->setShortcut(QKeySequence::Find);
+    m_findAction->setShortcutContext(Qt::WindowShortcut);
+    addAction(m_findAction);
+    connect(m_findAction, &QAction::triggered, m_listViewModel.get(), &SetListViewModel::toggleSearchFocusTrigger);
 
     // The theme browser's search stays with the window between visits.
     m_themeBrowser->setSearchText(QSettings().value(themeBrowserSearchKey).toString());
@@ -57,6 +80,15 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     connect(m_themeBrowser, &ThemeBrowserView::themeSelected, this, [this](int id, const QString &name) {
         m_sidebarViewModel->setSelectedItem(SidebarItem::catalogTheme(id, name));
     });
+
+    connect(m_setListView, &SetListView::brickSetSelected, this, &ContentView::setSelectedBrickSet);
+    connect(m_setListView, &SetListView::catalogSetSelected, this, &ContentView::setSelectedCatalogSet);
+    connect(m_listViewModel.get(), &SetListViewModel::brickSetSelectedBySearch, this,
+            [this](const ObjectID &brickSet) { setSelectedBrickSet(brickSet); });
+    connect(m_listViewModel.get(), &SetListViewModel::catalogSetSelectedBySearch, this,
+            [this](const CatalogSetResult &set) { setSelectedCatalogSet(set); });
+    connect(&m_container, &PersistentContainer::objectsDidChange, this, &ContentView::objectsChanged);
+
     connect(m_sidebarViewModel.get(), &SidebarViewModel::selectedItemChanged, this, &ContentView::selectionChanged);
     selectionChanged(m_sidebarViewModel->selectedItem());
 
@@ -70,33 +102,116 @@ ContentView::~ContentView() = default;
 
 void ContentView::selectionChanged(const std::optional<SidebarItem> &item)
 {
+    // A change of sidebar item clears the selected copy unless one waits to be shown.
+    m_selectedBrickSet = std::exchange(m_pendingBrickSet, std::nullopt);
+    m_selectedCatalogSet.reset();
     m_listViewModel->sidebarSelectionChanged(item);
+
     const bool themes = item && item->kind() == SidebarItem::Kind::catalogAllThemes;
     m_middleColumn->setCurrentWidget(themes ? static_cast<QWidget *>(m_themeBrowser) : m_setListView);
-    showDetailPlaceholder(item);
+    m_setListView->setSidebarSelection(item);
+    m_setListView->setSelectedBrickSet(m_selectedBrickSet);
+    m_setListView->setSelectedCatalogSet(std::nullopt);
+    updateDetailColumn();
 }
 
-void ContentView::showDetailPlaceholder(const std::optional<SidebarItem> &item)
+void ContentView::setSelectedBrickSet(const std::optional<ObjectID> &brickSet)
 {
-    const SidebarItem::Kind kind = item ? item->kind() : SidebarItem::Kind::allSets;
-    if (kind == SidebarItem::Kind::trash) {
+    m_selectedBrickSet = brickSet;
+    m_setListView->setSelectedBrickSet(brickSet);
+    updateDetailColumn();
+}
+
+void ContentView::setSelectedCatalogSet(const std::optional<CatalogSetResult> &set)
+{
+    m_selectedCatalogSet = set;
+    m_setListView->setSelectedCatalogSet(set ? std::optional<QString>(set->setNum) : std::nullopt);
+    updateDetailColumn();
+}
+
+void ContentView::showOwnedCopy(const ObjectID &brickSet)
+{
+    setSelectedCatalogSet(std::nullopt);
+    if (isCatalogItem(m_sidebarViewModel->selectedItem())) {
+        m_pendingBrickSet = brickSet;
+        m_sidebarViewModel->setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
+    } else {
+        setSelectedBrickSet(brickSet);
+    }
+}
+
+void ContentView::objectsChanged()
+{
+    // The copy on show may have been changed or deleted elsewhere.
+    if (m_selectedBrickSet && !m_selectedCatalogSet)
+        updateDetailColumn();
+}
+
+void ContentView::updateDetailColumn()
+{
+    using Content = DetailColumnRule::Content;
+    const std::optional<SidebarItem> item = m_sidebarViewModel->selectedItem();
+    switch (DetailColumnRule::choose(item, m_selectedBrickSet.has_value(), m_selectedCatalogSet.has_value())) {
+    case Content::trashedCopy:
+    case Content::copy:
+        if (showCopyPreview())
+            return;
+        break;
+    case Content::catalogSet: {
+        const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
+        const QString themeName = catalog ? catalog->themePath(m_selectedCatalogSet->themeID) : QString();
+        m_setPreview->showCatalogSet(*m_selectedCatalogSet, themeName);
+        m_detailColumn->setCurrentWidget(m_setPreview);
+        return;
+    }
+    case Content::trashPlaceholder: {
         //% "No Set Selected"
         const QString title = qtTrId("trash.placeholder.title");
         //% "Select a set in the trash to restore it or delete it for good."
         const QString description = qtTrId("trash.placeholder.description");
-        m_detailPlaceholder->setContent(u"trash"_s, title, description);
-    } else if (kind == SidebarItem::Kind::catalogAllThemes) {
+        showDetailPlaceholder(u"trash"_s, title, description);
+        return;
+    }
+    case Content::themePlaceholder: {
         //% "No Theme Selected"
         const QString title = qtTrId("detail.placeholder.selectTheme");
         //% "Select a theme to see its sets."
         const QString description = qtTrId("detail.placeholder.selectThemeDescription");
-        m_detailPlaceholder->setContent(u"folder"_s, title, description);
-    } else {
-        //% "No Set Selected"
-        const QString title = qtTrId("detail.placeholder.title");
-        //% "Select a set to see its details."
-        const QString description = qtTrId("detail.placeholder.description");
-        m_detailPlaceholder->setContent(u"square.grid.2x2"_s, title, description);
+        showDetailPlaceholder(u"folder"_s, title, description);
+        return;
     }
+    case Content::inventorySpreadsheet:
+    case Content::setPlaceholder:
+        break;
+    }
+    //% "No Set Selected"
+    const QString title = qtTrId("detail.placeholder.title");
+    //% "Select a set to see its details."
+    const QString description = qtTrId("detail.placeholder.description");
+    showDetailPlaceholder(u"square.grid.2x2"_s, title, description);
+}
+
+bool ContentView::showCopyPreview()
+{
+    try {
+        ManagedObjectContext &context = m_container.viewContext();
+        const std::optional<BrickSet> brickSet = context.existingObject<BrickSet>(*m_selectedBrickSet);
+        if (!brickSet)
+            return false;
+        BrickSetWithCatalogSet copy{*brickSet, std::nullopt};
+        if (brickSet->catalogSet)
+            copy.catalogSet = context.existingObject<CatalogSet>(*brickSet->catalogSet);
+        m_setPreview->showCopy(copy);
+        m_detailColumn->setCurrentWidget(m_setPreview);
+        return true;
+    } catch (const StoreError &error) {
+        qCWarning(lcPersistence) << "Reading the selected set failed:" << error.description();
+        return false;
+    }
+}
+
+void ContentView::showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description)
+{
+    m_detailPlaceholder->setContent(symbolName, title, description);
     m_detailColumn->setCurrentWidget(m_detailPlaceholder);
 }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Services/CatalogResults.h"
+#include "Store/ObjectID.h"
+
 #include <QWidget>
 
 #include <memory>
@@ -9,10 +12,12 @@
 class CatalogDatabaseService;
 class EmptyStateView;
 class PersistentContainer;
+class QAction;
 class QSplitter;
 class QStackedWidget;
 class SetListView;
 class SetListViewModel;
+class SetPreviewView;
 class SidebarItem;
 class SidebarView;
 class SidebarViewModel;
@@ -20,7 +25,8 @@ class ThemeBrowserView;
 
 // The three columns of the main window: the sidebar, the middle list and the detail pane,
 // side by side in a splitter whose sizes the window remembers. The sidebar's selection
-// decides what the two other columns show.
+// decides what the two other columns show; the copy or catalog set selected in the list
+// is held here and shown in the detail column.
 class ContentView : public QWidget
 {
     Q_OBJECT
@@ -34,15 +40,35 @@ public:
     QStackedWidget *middleColumn() const { return m_middleColumn; }
     QStackedWidget *detailColumn() const { return m_detailColumn; }
     EmptyStateView *detailPlaceholder() const { return m_detailPlaceholder; }
+    SetPreviewView *setPreview() const { return m_setPreview; }
     SetListView *setListView() const { return m_setListView; }
     ThemeBrowserView *themeBrowser() const { return m_themeBrowser; }
     SidebarViewModel &sidebarViewModel() const { return *m_sidebarViewModel; }
     SetListViewModel &listViewModel() const { return *m_listViewModel; }
+    // Ctrl+F: the keyboard to the list's search field.
+    QAction *findAction() const { return m_findAction; }
+
+    // The copy shown in the detail pane, and the catalog set; at most one is shown, the
+    // catalog set first.
+    std::optional<ObjectID> selectedBrickSet() const { return m_selectedBrickSet; }
+    void setSelectedBrickSet(const std::optional<ObjectID> &brickSet);
+    std::optional<CatalogSetResult> selectedCatalogSet() const { return m_selectedCatalogSet; }
+    void setSelectedCatalogSet(const std::optional<CatalogSetResult> &set);
+    // The copy waiting to be selected once the sidebar has switched to the collection.
+    std::optional<ObjectID> pendingBrickSet() const { return m_pendingBrickSet; }
+
+    // Shows a copy of a catalog set in the collection: from a catalog list the sidebar
+    // switches to all sets and the copy is selected there; elsewhere it is selected at once.
+    void showOwnedCopy(const ObjectID &brickSet);
 
 private:
     void selectionChanged(const std::optional<SidebarItem> &item);
-    void showDetailPlaceholder(const std::optional<SidebarItem> &item);
+    void updateDetailColumn();
+    void showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description);
+    bool showCopyPreview();
+    void objectsChanged();
 
+    PersistentContainer &m_container;
     std::unique_ptr<SidebarViewModel> m_sidebarViewModel;
     std::unique_ptr<SetListViewModel> m_listViewModel;
     QSplitter *m_splitter;
@@ -52,4 +78,10 @@ private:
     ThemeBrowserView *m_themeBrowser;
     QStackedWidget *m_detailColumn;
     EmptyStateView *m_detailPlaceholder;
+    SetPreviewView *m_setPreview;
+    QAction *m_findAction;
+
+    std::optional<ObjectID> m_selectedBrickSet;
+    std::optional<CatalogSetResult> m_selectedCatalogSet;
+    std::optional<ObjectID> m_pendingBrickSet;
 };

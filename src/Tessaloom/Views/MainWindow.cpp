@@ -4,7 +4,6 @@
 #include "Services/AppUpdateService.h"
 #include "Views/CatalogStatusIndicator.h"
 #include "Views/ContentView.h"
-#include "Views/OwnedCopiesList.h"
 #include "Views/SetListView.h"
 #include "Views/SampleCatalogNotice.h"
 
@@ -138,11 +137,6 @@ void MainWindow::saveWindowState() const
     QSettings settings;
     settings.setValue(geometryKey, saveGeometry());
     settings.setValue(columnsKey, m_contentView->splitter()->saveState());
-}
-
-OwnedCopiesList *MainWindow::ownedCopiesList() const
-{
-    return m_contentView->setListView()->copiesList();
 }
 
 void MainWindow::showEvent(QShowEvent *event)

@@ -8,7 +8,6 @@ class AppUpdateService;
 class CatalogDatabaseService;
 class CatalogStatusIndicator;
 class ContentView;
-class OwnedCopiesList;
 class PersistentContainer;
 class QAction;
 class SampleCatalogNotice;
@@ -24,7 +23,6 @@ public:
                AppUpdateService &updateService, QWidget *parent = nullptr);
 
     ContentView *contentView() const { return m_contentView; }
-    OwnedCopiesList *ownedCopiesList() const;
     SampleCatalogNotice *sampleCatalogNotice() const { return m_sampleCatalogNotice; }
     CatalogStatusIndicator *catalogStatusIndicator() const { return m_catalogStatusIndicator; }
     QAction *checkForUpdatesAction() const { return m_checkForUpdatesAction; }

@@ -2,59 +2,193 @@
 #include "Views/SetListView.h"
 
 #include "ViewModels/CatalogSetListModel.h"
+#include "ViewModels/SetListGroupModel.h"
 #include "ViewModels/SetListViewModel.h"
-#include "Views/OwnedCopiesList.h"
+#include "ViewModels/SidebarItem.h"
+#include "Views/CatalogGridItemView.h"
+#include "Views/CatalogTableView.h"
+#include "Views/CellPictureLoader.h"
+#include "Views/EmptyStateView.h"
+#include "Views/SetGridCellPainter.h"
+#include "Views/SetGridItemView.h"
+#include "Views/SetGridView.h"
+#include "Views/SetTableView.h"
+#include "Views/SymbolIcon.h"
 
-#include <QHeaderView>
+#include <QAction>
+#include <QActionGroup>
+#include <QHBoxLayout>
+#include <QItemSelectionModel>
+#include <QLabel>
 #include <QLineEdit>
-#include <QShortcut>
 #include <QStackedWidget>
-#include <QTableView>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
+namespace {
+// Pictures of about a thousand grid cells; the image cache keeps the large ones behind.
+constexpr qsizetype gridPictureBytesKept = 64 * 1024 * 1024;
+
+// The row selected in a grid (one cell) or a table (the whole row), or -1.
+int selectedRow(const QItemSelectionModel &selection)
+{
+    const QModelIndexList selected = selection.selectedIndexes();
+    return selected.isEmpty() ? -1 : selected.first().row();
+}
+} // namespace
+
 SetListView::SetListView(SetListViewModel &viewModel, QWidget *parent)
     : QWidget(parent)
     , m_viewModel(viewModel)
+    , m_gridPictures(new CellPictureLoader(SetGridCellPainter::pictureSize(), gridPictureBytesKept, this))
+    , m_title(new QLabel(this))
     , m_searchField(new QLineEdit(this))
     , m_lists(new QStackedWidget(this))
-    , m_copiesList(new OwnedCopiesList(viewModel.copies(), m_lists))
-    , m_catalogTable(new QTableView(m_lists))
+    , m_copiesGrid(new SetGridView(m_lists))
+    , m_copiesTable(new SetTableView(viewModel, m_lists))
+    , m_catalogGrid(new SetGridView(m_lists))
+    , m_catalogTable(new CatalogTableView(viewModel, m_lists))
+    , m_copiesEmptyState(new EmptyStateView(m_lists))
+    , m_catalogEmptyState(new EmptyStateView(m_lists))
+    , m_copyCells(new SetGridItemView(*m_gridPictures, this))
+    , m_catalogCells(new CatalogGridItemView(*m_gridPictures, this))
 {
     setObjectName(u"setListView"_s);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 0);
-    layout->addWidget(m_searchField);
+    buildBar();
     layout->addWidget(m_lists, 1);
 
-    //% "Search by name, number or year"
-    m_searchField->setPlaceholderText(qtTrId("setList.search.prompt"));
-    m_searchField->setClearButtonEnabled(true);
+    m_copiesGrid->setObjectName(u"copiesGrid"_s);
+    m_copiesGrid->setModel(viewModel.groups());
+    m_copiesGrid->setItemDelegate(m_copyCells);
+    m_copiesTable->setObjectName(u"copiesTable"_s);
+    // The grid and the table of one list share their selection: switching keeps it.
+    m_copySelection = m_copiesGrid->selectionModel();
+    m_copiesTable->setSelectionModel(m_copySelection);
+
+    m_catalogGrid->setObjectName(u"catalogGrid"_s);
+    m_catalogGrid->setModel(viewModel.catalogModel());
+    m_catalogGrid->setItemDelegate(m_catalogCells);
+    m_catalogTable->setObjectName(u"catalogResultsTable"_s);
+    m_catalogSelection = m_catalogGrid->selectionModel();
+    m_catalogTable->setSelectionModel(m_catalogSelection);
+
+    m_copiesEmptyState->setObjectName(u"copiesEmptyState"_s);
+    //% "No Sets"
+    const QString noSetsTitle = qtTrId("setList.noSets.title");
+    //% "Sets you add to your collection appear here."
+    const QString noSetsDescription = qtTrId("setList.noSets.description");
+    m_copiesEmptyState->setContent(u"square.grid.2x2.fill"_s, noSetsTitle, noSetsDescription);
+    m_catalogEmptyState->setObjectName(u"catalogEmptyState"_s);
+    updateCatalogEmptyState();
+
+    for (QWidget *page : {static_cast<QWidget *>(m_copiesGrid), static_cast<QWidget *>(m_copiesTable),
+                          static_cast<QWidget *>(m_catalogGrid), static_cast<QWidget *>(m_catalogTable),
+                          static_cast<QWidget *>(m_copiesEmptyState), static_cast<QWidget *>(m_catalogEmptyState)})
+        m_lists->addWidget(page);
+
+    connect(m_copySelection, &QItemSelectionModel::selectionChanged, this, &SetListView::copySelectionChanged);
+    connect(m_catalogSelection, &QItemSelectionModel::selectionChanged, this, &SetListView::catalogSelectionChanged);
+    connect(viewModel.groups(), &SetListGroupModel::regrouped, this, [this] {
+        reselectBrickSet();
+        showCurrentList();
+    });
+    connect(viewModel.catalogModel(), &QAbstractItemModel::modelReset, this, &SetListView::reselectCatalogSet);
+
+    connect(&m_viewModel, &SetListViewModel::selectionIDChanged, this, &SetListView::showCurrentList);
+    connect(&m_viewModel, &SetListViewModel::isGridViewChanged, this, &SetListView::showCurrentList);
+    connect(&m_viewModel, &SetListViewModel::catalogResultsChanged, this, &SetListView::showCurrentList);
+    connect(&m_viewModel, &SetListViewModel::catalogSearchStarted, this, &SetListView::showCurrentList);
+    connect(&m_viewModel, &SetListViewModel::searchTextChanged, this, &SetListView::updateCatalogEmptyState);
+    setSidebarSelection(std::nullopt);
+    showCurrentList();
+}
+
+SetListView::~SetListView() = default;
+
+void SetListView::buildBar()
+{
+    auto *bar = new QHBoxLayout;
+    bar->setSpacing(8);
+    m_title->setObjectName(u"setListTitle"_s);
+    QFont titleFont = m_title->font();
+    titleFont.setBold(true);
+    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
+    m_title->setFont(titleFont);
+    m_title->setTextInteractionFlags(Qt::NoTextInteraction);
+    bar->addWidget(m_title, 1);
+
     m_searchField->setObjectName(u"setListSearchField"_s);
+    m_searchField->setClearButtonEnabled(true);
+    m_searchField->addAction(SymbolIcon::icon(u"magnifyingglass"_s), QLineEdit::LeadingPosition);
+    m_searchField->setMinimumWidth(180);
+    bar->addWidget(m_searchField, 2);
     connect(m_searchField, &QLineEdit::textEdited, &m_viewModel, &SetListViewModel::setSearchText);
     connect(&m_viewModel, &SetListViewModel::searchTextChanged, this, [this](const QString &text) {
         if (m_searchField->text() != text)
             m_searchField->setText(text);
     });
-    connect(&m_viewModel, &SetListViewModel::searchFocusTriggerChanged, m_searchField,
-            [this] { m_searchField->setFocus(Qt::ShortcutFocusReason); });
-    auto *find = new QShortcut(QKeySequence::Find, this);
-    connect(find, &QShortcut::activated, &m_viewModel, &SetListViewModel::toggleSearchFocusTrigger);
+    connect(&m_viewModel, &SetListViewModel::searchFocusTriggerChanged, m_searchField, [this] {
+        m_searchField->setFocus(Qt::ShortcutFocusReason);
+        m_searchField->selectAll();
+    });
 
-    m_catalogTable->setModel(viewModel.catalogModel());
-    m_catalogTable->setObjectName(u"catalogResultsTable"_s);
-    m_catalogTable->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_catalogTable->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_catalogTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_catalogTable->setSortingEnabled(true);
-    m_catalogTable->verticalHeader()->hide();
-    m_catalogTable->horizontalHeader()->setStretchLastSection(true);
+    // The picker between grid and table: two exclusive buttons.
+    auto *picker = new QActionGroup(this);
+    picker->setExclusive(true);
+    //% "Grid"
+    m_gridAction = new QAction(SymbolIcon::icon(u"square.grid.2x2"_s), qtTrId("setList.viewPicker.grid"), picker);
+    //% "Table"
+    m_tableAction = new QAction(SymbolIcon::icon(u"list.bullet"_s), qtTrId("setList.viewPicker.table"), picker);
+    m_gridAction->setCheckable(true);
+    m_tableAction->setCheckable(true);
+    m_gridAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_1));
+    m_tableAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_2));
+    m_gridAction->setShortcutContext(Qt::WindowShortcut);
+    m_tableAction->setShortcutContext(Qt::WindowShortcut);
+    auto *pickerBox = new QWidget(this);
+    pickerBox->setObjectName(u"setListViewPicker"_s);
+    //% "View"
+    pickerBox->setAccessibleName(qtTrId("setList.viewPicker"));
+    pickerBox->setToolTip(qtTrId("setList.viewPicker"));
+    auto *pickerLayout = new QHBoxLayout(pickerBox);
+    pickerLayout->setContentsMargins(0, 0, 0, 0);
+    pickerLayout->setSpacing(0);
+    for (QAction *action : {m_gridAction, m_tableAction}) {
+        auto *button = new QToolButton(pickerBox);
+        button->setDefaultAction(action);
+        button->setAutoRaise(true);
+        pickerLayout->addWidget(button);
+        addAction(action);
+    }
+    bar->addWidget(pickerBox);
+    static_cast<QVBoxLayout *>(layout())->addLayout(bar);
 
-    m_lists->addWidget(m_copiesList);
-    m_lists->addWidget(m_catalogTable);
-    connect(&m_viewModel, &SetListViewModel::selectionIDChanged, this, &SetListView::showListForSelection);
-    showListForSelection();
+    const auto showPicked = [this] {
+        m_gridAction->setChecked(m_viewModel.isGridView());
+        m_tableAction->setChecked(!m_viewModel.isGridView());
+    };
+    showPicked();
+    connect(m_gridAction, &QAction::triggered, &m_viewModel, [this] { m_viewModel.setGridView(true); });
+    connect(m_tableAction, &QAction::triggered, &m_viewModel, [this] { m_viewModel.setGridView(false); });
+    connect(&m_viewModel, &SetListViewModel::isGridViewChanged, this, showPicked);
+}
+
+void SetListView::setSidebarSelection(const std::optional<SidebarItem> &item)
+{
+    //% "All Sets"
+    m_title->setText(item ? item->title() : qtTrId("setList.allSets.title"));
+    const bool catalog = item
+        && (item->kind() == SidebarItem::Kind::catalogAll || item->kind() == SidebarItem::Kind::catalogAllThemes
+            || item->isCatalogTheme());
+    //% "Search the catalog by name, number or year"
+    const QString catalogPrompt = qtTrId("catalog.search.prompt");
+    //% "Filter by name, number or year"
+    const QString collectionPrompt = qtTrId("setList.filter.prompt");
+    m_searchField->setPlaceholderText(catalog ? catalogPrompt : collectionPrompt);
 }
 
 QWidget *SetListView::currentList() const
@@ -62,7 +196,102 @@ QWidget *SetListView::currentList() const
     return m_lists->currentWidget();
 }
 
-void SetListView::showListForSelection()
+void SetListView::showCurrentList()
 {
-    m_lists->setCurrentWidget(m_viewModel.isCatalogList() ? static_cast<QWidget *>(m_catalogTable) : m_copiesList);
+    const bool grid = m_viewModel.isGridView();
+    QWidget *page = nullptr;
+    if (m_viewModel.isCatalogList()) {
+        // While a search is on its way an emptied list waits for it instead of saying
+        // that nothing matched.
+        const bool nothingFound = m_viewModel.catalogResults().isEmpty() && !m_viewModel.isCatalogSearchRunning();
+        if (nothingFound)
+            page = m_catalogEmptyState;
+        else
+            page = grid ? static_cast<QWidget *>(m_catalogGrid) : m_catalogTable;
+    } else if (m_viewModel.groups()->count() == 0) {
+        page = m_copiesEmptyState;
+    } else {
+        page = grid ? static_cast<QWidget *>(m_copiesGrid) : m_copiesTable;
+    }
+    if (m_lists->currentWidget() != page)
+        m_lists->setCurrentWidget(page);
+}
+
+void SetListView::updateCatalogEmptyState()
+{
+    //% "No Results"
+    const QString title = qtTrId("catalog.noResults.title");
+    //% "No catalog set matches “%1”."
+    const QString description = qtTrId("catalog.noResults.description.").arg(m_viewModel.searchText());
+    m_catalogEmptyState->setContent(u"magnifyingglass"_s, title, description);
+}
+
+void SetListView::setSelectedBrickSet(const std::optional<ObjectID> &brickSet)
+{
+    m_selectedBrickSet = brickSet;
+    reselectBrickSet();
+}
+
+void SetListView::setSelectedCatalogSet(const std::optional<QString> &setNum)
+{
+    m_selectedCatalogSet = setNum;
+    reselectCatalogSet();
+}
+
+void SetListView::reselectBrickSet()
+{
+    const int row = m_selectedBrickSet ? m_viewModel.groups()->rowOf(*m_selectedBrickSet) : -1;
+    const QModelIndex index = m_viewModel.groups()->index(row, SetListGroupModel::NameColumn);
+    if (row >= 0 && selectedRow(*m_copySelection) == row)
+        return;
+    m_applyingSelection = true;
+    if (index.isValid()) {
+        m_copySelection->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        m_copiesGrid->scrollTo(index);
+        m_copiesTable->scrollTo(index);
+    } else {
+        m_copySelection->clear();
+    }
+    m_applyingSelection = false;
+}
+
+void SetListView::reselectCatalogSet()
+{
+    const int row = m_selectedCatalogSet ? m_viewModel.catalogModel()->rowOf(*m_selectedCatalogSet) : -1;
+    const QModelIndex index = m_viewModel.catalogModel()->index(row, CatalogSetListModel::NameColumn);
+    if (row >= 0 && selectedRow(*m_catalogSelection) == row)
+        return;
+    m_applyingSelection = true;
+    if (index.isValid()) {
+        m_catalogSelection->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        m_catalogGrid->scrollTo(index);
+        m_catalogTable->scrollTo(index);
+    } else {
+        m_catalogSelection->clear();
+    }
+    m_applyingSelection = false;
+}
+
+void SetListView::copySelectionChanged()
+{
+    if (m_applyingSelection)
+        return;
+    const int row = selectedRow(*m_copySelection);
+    std::optional<ObjectID> chosen;
+    if (row >= 0)
+        chosen = m_viewModel.groups()->groupAt(row).copy.brickSet.objectID;
+    m_selectedBrickSet = chosen;
+    Q_EMIT brickSetSelected(chosen);
+}
+
+void SetListView::catalogSelectionChanged()
+{
+    if (m_applyingSelection)
+        return;
+    const int row = selectedRow(*m_catalogSelection);
+    std::optional<CatalogSetResult> chosen;
+    if (row >= 0)
+        chosen = m_viewModel.catalogModel()->resultAt(row);
+    m_selectedCatalogSet = chosen ? std::optional<QString>(chosen->setNum) : std::nullopt;
+    Q_EMIT catalogSetSelected(chosen);
 }

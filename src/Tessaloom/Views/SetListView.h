@@ -1,36 +1,100 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Services/CatalogResults.h"
+#include "Store/ObjectID.h"
+
 #include <QWidget>
 
-class OwnedCopiesList;
+#include <optional>
+
+class CatalogGridItemView;
+class CatalogTableView;
+class CellPictureLoader;
+class EmptyStateView;
+class QAction;
+class QItemSelectionModel;
+class QLabel;
 class QLineEdit;
 class QStackedWidget;
-class QTableView;
+class SetGridItemView;
+class SetGridView;
 class SetListViewModel;
+class SetTableView;
+class SidebarItem;
 
-// The middle column for the collection's lists and the catalog: a search field over the
-// copies of the selected smart list, or over the catalog's search results. Ctrl+F moves
-// the keyboard to the search field.
+// The middle column for the collection's lists and the catalog. A bar on top carries the
+// list's title, the search field and the picker between a grid of pictures and a table;
+// below it the copies of the chosen smart list (one cell per set) or the catalog's search
+// results, or an empty state that says why there is nothing.
+//
+// The selected row is the window's business: a click reports the copy or catalog set
+// through the signals, and the window tells the list what is selected, which the list
+// keeps showing across refetches and re-sorts.
 class SetListView : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit SetListView(SetListViewModel &viewModel, QWidget *parent = nullptr);
+    ~SetListView() override;
 
+    // The sidebar's selection gives the title and the search field's prompt.
+    void setSidebarSelection(const std::optional<SidebarItem> &item);
+
+    // Shows `brickSet` (or none) as the selected copy and `setNum` as the selected catalog
+    // set, without reporting them back.
+    void setSelectedBrickSet(const std::optional<ObjectID> &brickSet);
+    void setSelectedCatalogSet(const std::optional<QString> &setNum);
+
+    QLabel *titleLabel() const { return m_title; }
     QLineEdit *searchField() const { return m_searchField; }
-    OwnedCopiesList *copiesList() const { return m_copiesList; }
-    QTableView *catalogTable() const { return m_catalogTable; }
-    // The list on show: the copies, or the catalog's results.
+    QAction *gridAction() const { return m_gridAction; }
+    QAction *tableAction() const { return m_tableAction; }
+    SetGridView *copiesGrid() const { return m_copiesGrid; }
+    SetTableView *copiesTable() const { return m_copiesTable; }
+    SetGridView *catalogGrid() const { return m_catalogGrid; }
+    CatalogTableView *catalogTable() const { return m_catalogTable; }
+    EmptyStateView *copiesEmptyState() const { return m_copiesEmptyState; }
+    EmptyStateView *catalogEmptyState() const { return m_catalogEmptyState; }
+    SetGridItemView *copyCells() const { return m_copyCells; }
+    CatalogGridItemView *catalogCells() const { return m_catalogCells; }
+    CellPictureLoader *gridPictures() const { return m_gridPictures; }
+    // The page on show: one of the two grids, the two tables or the two empty states.
     QWidget *currentList() const;
 
+Q_SIGNALS:
+    // The user chose a cell or row: the copy that stands for it, or none.
+    void brickSetSelected(const std::optional<ObjectID> &brickSet);
+    void catalogSetSelected(const std::optional<CatalogSetResult> &set);
+
 private:
-    void showListForSelection();
+    void buildBar();
+    void showCurrentList();
+    void updateCatalogEmptyState();
+    void copySelectionChanged();
+    void catalogSelectionChanged();
+    void reselectBrickSet();
+    void reselectCatalogSet();
 
     SetListViewModel &m_viewModel;
+    CellPictureLoader *m_gridPictures;
+    QLabel *m_title;
     QLineEdit *m_searchField;
+    QAction *m_gridAction = nullptr;
+    QAction *m_tableAction = nullptr;
     QStackedWidget *m_lists;
-    OwnedCopiesList *m_copiesList;
-    QTableView *m_catalogTable;
+    SetGridView *m_copiesGrid;
+    SetTableView *m_copiesTable;
+    SetGridView *m_catalogGrid;
+    CatalogTableView *m_catalogTable;
+    EmptyStateView *m_copiesEmptyState;
+    EmptyStateView *m_catalogEmptyState;
+    SetGridItemView *m_copyCells;
+    CatalogGridItemView *m_catalogCells;
+    QItemSelectionModel *m_copySelection;
+    QItemSelectionModel *m_catalogSelection;
+    std::optional<ObjectID> m_selectedBrickSet;
+    std::optional<QString> m_selectedCatalogSet;
+    bool m_applyingSelection = false;
 };

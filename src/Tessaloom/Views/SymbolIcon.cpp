@@ -3,7 +3,12 @@
 
 #include <QApplication>
 #include <QHash>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
 #include <QStyle>
+
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -19,6 +24,7 @@ const QHash<QString, SymbolMapping> &mappings()
 {
     static const QHash<QString, SymbolMapping> table{
         {u"square.grid.2x2"_s, {u"view-grid"_s, QStyle::SP_FileDialogContentsView}},
+        {u"square.grid.2x2.fill"_s, {u"view-grid"_s, QStyle::SP_FileDialogContentsView}},
         {u"list.bullet"_s, {u"view-list-details"_s, QStyle::SP_FileDialogDetailedView}},
         {u"folder"_s, {u"folder"_s, QStyle::SP_DirIcon}},
         {u"trash"_s, {u"user-trash"_s, QStyle::SP_TrashIcon}},
@@ -49,6 +55,36 @@ const QHash<QString, SymbolMapping> &mappings()
     return table;
 }
 
+// The styles have no star, and a favourite marked with a "yes" button reads wrongly.
+QIcon drawnStar()
+{
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48}) {
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QPainterPath star;
+        const QPointF centre(size / 2.0, size / 2.0 + size * 0.04);
+        for (int point = 0; point < 10; ++point) {
+            const double radius = (point % 2 == 0 ? 0.48 : 0.2) * size;
+            const double angle = -M_PI / 2 + point * M_PI / 5;
+            const QPointF corner = centre + QPointF(radius * std::cos(angle), radius * std::sin(angle));
+            if (point == 0)
+                star.moveTo(corner);
+            else
+                star.lineTo(corner);
+        }
+        star.closeSubpath();
+        painter.setPen(QPen(QColor(0xb8, 0x86, 0x0b), size / 16.0));
+        painter.setBrush(QColor(0xff, 0xc1, 0x07));
+        painter.drawPath(star);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
 } // namespace
 
 QString SymbolIcon::themeName(const QString &symbolName)
@@ -64,5 +100,7 @@ QIcon SymbolIcon::icon(const QString &symbolName)
     const QIcon themed = QIcon::fromTheme(mapping->themeName);
     if (!themed.isNull())
         return themed;
+    if (symbolName == u"star.fill")
+        return drawnStar();
     return QApplication::style()->standardIcon(mapping->fallback);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Views/TableThumbnail.h"
 
-#include "Services/ImageCacheService.h"
+#include "Views/CellPictureLoader.h"
 #include "Services/ThumbnailScaler.h"
 
 #include <QAbstractItemView>
@@ -11,64 +11,34 @@
 namespace {
 
 constexpr int cellMargin = 2;
-// Enough for every row of a long list on a large screen; the cache behind holds the rest.
-constexpr qsizetype thumbnailBytesKept = 8 * 1024 * 1024;
 
 } // namespace
 
 TableThumbnail::TableThumbnail(QObject *parent)
     : QStyledItemDelegate(parent)
-    , m_thumbnails(thumbnailBytesKept)
+    , m_loader(new CellPictureLoader(QSize(), 8 * 1024 * 1024, this))
 {
+    connect(m_loader, &CellPictureLoader::pictureArrived, this, &TableThumbnail::thumbnailArrived);
 }
 
-ImageCacheService &TableThumbnail::cache()
+void TableThumbnail::setImageCache(ImageCacheService *cache)
 {
-    if (!m_cache)
-        m_cache = &ImageCacheService::shared();
-    return *m_cache;
+    m_loader->setImageCache(cache);
 }
 
 QImage TableThumbnail::thumbnail(const QString &urlString, const QModelIndex &index, QAbstractItemView *view)
 {
-    if (urlString.isEmpty())
-        return {};
-    if (const QImage *kept = m_thumbnails.object(urlString))
-        return *kept;
-    if (m_failed.contains(urlString))
-        return {};
-    const bool alreadyAsked = m_waiting.contains(urlString);
-    QList<Cell> &cells = m_waiting[urlString];
-    if (index.isValid() && view)
-        cells.append(Cell{view, QPersistentModelIndex(index)});
-    if (!alreadyAsked)
-        request(QPointer<TableThumbnail>(this), QPointer<ImageCacheService>(&cache()), urlString);
-    return {};
+    return m_loader->picture(urlString, index, view);
 }
 
-QCoro::Task<void> TableThumbnail::request(QPointer<TableThumbnail> self, QPointer<ImageCacheService> cache,
-                                          QString urlString)
+bool TableThumbnail::isLoading(const QString &urlString) const
 {
-    QImage thumbnail;
-    if (cache)
-        thumbnail = co_await cache->thumbnail(urlString);
-    // The delegate may have gone with its view while the picture was on its way.
-    if (self)
-        self->deliver(urlString, thumbnail);
+    return m_loader->isLoading(urlString);
 }
 
-void TableThumbnail::deliver(const QString &urlString, const QImage &thumbnail)
+bool TableThumbnail::hasFailed(const QString &urlString) const
 {
-    const QList<Cell> cells = m_waiting.take(urlString);
-    if (thumbnail.isNull())
-        m_failed.insert(urlString);
-    else
-        m_thumbnails.insert(urlString, new QImage(thumbnail), std::max<qsizetype>(1, thumbnail.sizeInBytes()));
-    for (const Cell &cell : cells) {
-        if (cell.view && cell.index.isValid())
-            cell.view->update(cell.index);
-    }
-    Q_EMIT thumbnailArrived(urlString, thumbnail);
+    return m_loader->hasFailed(urlString);
 }
 
 void TableThumbnail::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
@@ -83,9 +53,9 @@ void TableThumbnail::paint(QPainter *painter, const QStyleOptionViewItem &option
 
     const QString urlString = index.data(m_urlRole).toString();
     // Painting has to stay const for the view; asking for a picture changes only the
-    // delegate's own bookkeeping, never what the model or the view see.
+    // loader's own bookkeeping, never what the model or the view see.
     auto *view = qobject_cast<QAbstractItemView *>(const_cast<QWidget *>(widget));
-    const QImage image = const_cast<TableThumbnail *>(this)->thumbnail(urlString, index, view);
+    const QImage image = m_loader->picture(urlString, index, view);
     if (image.isNull())
         return;
     const QRect box = option.rect.adjusted(cellMargin, cellMargin, -cellMargin, -cellMargin);

@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QCache>
-#include <QCoroTask>
-#include <QHash>
 #include <QImage>
-#include <QList>
-#include <QPersistentModelIndex>
-#include <QPointer>
-#include <QSet>
 #include <QString>
 #include <QStyledItemDelegate>
 
+class CellPictureLoader;
 class ImageCacheService;
 class QAbstractItemView;
 
@@ -31,15 +25,15 @@ public:
     void setUrlRole(int role) { m_urlRole = role; }
     int urlRole() const { return m_urlRole; }
     // The cache to load from; the shared one unless set.
-    void setImageCache(ImageCacheService *cache) { m_cache = cache; }
+    void setImageCache(ImageCacheService *cache);
 
     // The thumbnail of `urlString` when it is at hand, else a null image; in that case it is
     // requested (once) and `index` is repainted in `view` when it arrives.
     QImage thumbnail(const QString &urlString, const QModelIndex &index = {}, QAbstractItemView *view = nullptr);
     // Whether the cache has been asked for `urlString` and has not answered yet.
-    bool isLoading(const QString &urlString) const { return m_waiting.contains(urlString); }
+    bool isLoading(const QString &urlString) const;
     // Whether the cache answered `urlString` with no picture; it is not asked again.
-    bool hasFailed(const QString &urlString) const { return m_failed.contains(urlString); }
+    bool hasFailed(const QString &urlString) const;
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
@@ -49,20 +43,6 @@ Q_SIGNALS:
     void thumbnailArrived(const QString &urlString, const QImage &thumbnail);
 
 private:
-    struct Cell
-    {
-        QPointer<QAbstractItemView> view;
-        QPersistentModelIndex index;
-    };
-
-    ImageCacheService &cache();
-    void deliver(const QString &urlString, const QImage &thumbnail);
-    static QCoro::Task<void> request(QPointer<TableThumbnail> self, QPointer<ImageCacheService> cache,
-                                     QString urlString);
-
     int m_urlRole = Qt::DisplayRole;
-    QPointer<ImageCacheService> m_cache;
-    QCache<QString, QImage> m_thumbnails; // cost in bytes
-    QSet<QString> m_failed;
-    QHash<QString, QList<Cell>> m_waiting;
+    CellPictureLoader *m_loader;
 };

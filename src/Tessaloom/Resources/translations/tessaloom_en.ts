@@ -7,14 +7,6 @@
         <source>The update feed could not be read.</source>
         <translation type="unfinished"></translation>
     </message>
-    <message id="list.empty.title">
-        <source>No Sets Yet</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="list.empty.description">
-        <source>Sets you add to your collection appear here.</source>
-        <translation type="unfinished"></translation>
-    </message>
     <message id="detail.placeholder.title">
         <source>No Set Selected</source>
         <translation type="unfinished"></translation>
@@ -276,8 +268,60 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Select a theme to see its sets.</source>
         <translation type="unfinished"></translation>
     </message>
-    <message id="setList.search.prompt">
-        <source>Search by name, number or year</source>
+    <message id="setList.pieceCount.">
+        <source>%1 pieces</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.owned">
+        <source>In your collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.copyCount.">
+        <source>%1 copies</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.noSets.title">
+        <source>No Sets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.noSets.description">
+        <source>Sets you add to your collection appear here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.viewPicker.grid">
+        <source>Grid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.viewPicker.table">
+        <source>Table</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.viewPicker">
+        <source>View</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.allSets.title">
+        <source>All Sets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.search.prompt">
+        <source>Search the catalog by name, number or year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.filter.prompt">
+        <source>Filter by name, number or year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.noResults.title">
+        <source>No Results</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.noResults.description.">
+        <source>No catalog set matches “%1”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.favorited">
+        <source>Favorite</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

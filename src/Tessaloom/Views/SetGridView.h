@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QListView>
+
+// Sets as a grid of pictures: equal cells that flow left to right and wrap with the
+// column's width, scrolled by pixel. What a cell shows is its delegate's business; the
+// grid of copies and the grid of catalog results differ only in that.
+class SetGridView : public QListView
+{
+    Q_OBJECT
+
+public:
+    explicit SetGridView(QWidget *parent = nullptr);
+};

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Views/SetTableView.h"
+
+#include "ViewModels/SetListGroupModel.h"
+#include "ViewModels/SetListViewModel.h"
+#include "Views/ConditionBadge.h"
+#include "Views/PriceLabel.h"
+#include "Views/SymbolMarkCell.h"
+#include "Views/TableSortHeader.h"
+#include "Views/TableThumbnail.h"
+
+#include <QHeaderView>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int thumbnailColumnWidth = 88;
+constexpr int thumbnailRowHeight = 64;
+} // namespace
+
+SetTableView::SetTableView(SetListViewModel &viewModel, QWidget *parent)
+    : QTableView(parent)
+{
+    setModel(viewModel.groups());
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(thumbnailRowHeight);
+
+    setItemDelegateForColumn(SetListGroupModel::ThumbnailColumn, new TableThumbnail(this));
+    //% "Favorite"
+    setItemDelegateForColumn(SetListGroupModel::NameColumn,
+                             new SymbolMarkCell(SetListGroupModel::IsFavoriteRole, u"star.fill"_s,
+                                                qtTrId("accessibility.favorited"), this));
+    setItemDelegateForColumn(SetListGroupModel::ConditionColumn,
+                             new ConditionBadge(SetListGroupModel::ConditionRole, this));
+    setItemDelegateForColumn(SetListGroupModel::ValueColumn,
+                             new PriceLabel(SetListGroupModel::PriceRole, SetListGroupModel::CurrencyRole, this));
+
+    QHeaderView *header = horizontalHeader();
+    header->setHighlightSections(false);
+    header->setSectionResizeMode(SetListGroupModel::ThumbnailColumn, QHeaderView::Fixed);
+    header->resizeSection(SetListGroupModel::ThumbnailColumn, thumbnailColumnWidth);
+    header->resizeSection(SetListGroupModel::SetNumberColumn, 90);
+    header->resizeSection(SetListGroupModel::NameColumn, 220);
+    header->resizeSection(SetListGroupModel::ThemeColumn, 130);
+    header->resizeSection(SetListGroupModel::YearColumn, 60);
+    header->resizeSection(SetListGroupModel::PiecesColumn, 70);
+    header->resizeSection(SetListGroupModel::ConditionColumn, 110);
+    header->resizeSection(SetListGroupModel::ValueColumn, 90);
+    header->setStretchLastSection(true);
+
+    m_sortHeader = new TableSortHeader(
+        *this, [&viewModel] { return SetListGroupModel::columnOfSortOrder(viewModel.collectionSortOrder()); },
+        [&viewModel] { return viewModel.collectionSortAscending(); });
+    connect(&viewModel, &SetListViewModel::collectionSortChanged, m_sortHeader, &TableSortHeader::refresh);
+}
