@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Store/BrickSetListModel.h"
 
+#include "Store/BrickSetRowOrder.h"
+
 #include "Logging.h"
 #include "Store/PersistentContainer.h"
 #include "Store/StoreObserver.h"
@@ -41,11 +43,29 @@ QList<BrickSetWithCatalogSet> BrickSetListModel::fetchRows(const FetchRequest<Br
     }
 }
 
+void BrickSetListModel::setSortDescriptors(const QList<SortDescriptor> &sortDescriptors)
+{
+    m_request.sortDescriptors = sortDescriptors;
+    const std::optional<BrickSetRowOrder> order = BrickSetRowOrder::forDescriptors(sortDescriptors);
+    if (!order) {
+        refetch();
+        return;
+    }
+    QList<BrickSetWithCatalogSet> rows = m_rows;
+    order->sort(rows);
+    replaceRows(std::move(rows));
+}
+
 void BrickSetListModel::refetch()
+{
+    replaceRows(fetchRows(m_request));
+}
+
+void BrickSetListModel::replaceRows(QList<BrickSetWithCatalogSet> rows)
 {
     const int oldCount = count();
     beginResetModel();
-    m_rows = fetchRows(m_request);
+    m_rows = std::move(rows);
     endResetModel();
     if (count() != oldCount)
         Q_EMIT countChanged();

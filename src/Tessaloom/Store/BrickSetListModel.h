@@ -38,6 +38,9 @@ public:
     FetchRequest<BrickSet> fetchRequest() const { return m_request; }
     // Replaces the request and refetches at once.
     void setFetchRequest(const FetchRequest<BrickSet> &request);
+    // Keeps the request's predicate and changes only its order: the rows at hand are
+    // re-sorted as the store would sort them, or refetched where that cannot be done here.
+    void setSortDescriptors(const QList<SortDescriptor> &sortDescriptors);
 
     int count() const { return int(m_rows.size()); }
     const QList<BrickSetWithCatalogSet> &rows() const { return m_rows; }
@@ -59,6 +62,7 @@ Q_SIGNALS:
 
 private:
     void onObjectsDidChange(const StoreChanges &changes);
+    void replaceRows(QList<BrickSetWithCatalogSet> rows);
     void applyRows(const QList<ObjectID> &ids, QHash<qint64, BrickSetWithCatalogSet> &fresh);
     QList<BrickSetWithCatalogSet> fetchRows(const FetchRequest<BrickSet> &request) const;
 

@@ -28,10 +28,7 @@ SetListGroupModel::SetListGroupModel(PersistentContainer &container, BrickSetLis
 
 void SetListGroupModel::setPriceSort(std::optional<bool> ascending)
 {
-    if (m_priceSortAscending == ascending)
-        return;
     m_priceSortAscending = ascending;
-    rebuild();
 }
 
 QString SetListGroupModel::groupKey(const BrickSetWithCatalogSet &copy)

@@ -67,7 +67,9 @@ public:
     SetListGroupModel(PersistentContainer &container, BrickSetListModel &copies, QObject *parent = nullptr);
 
     // With a direction, the copies are sorted by their set's market price before grouping
-    // (the store cannot order by it); absent prices come first when ascending.
+    // (the store cannot order by it); absent prices come first when ascending. It takes
+    // effect when the copies are next refetched or re-sorted, which the caller brings
+    // about, so that a change of sort regroups once and not twice.
     void setPriceSort(std::optional<bool> ascending);
 
     int count() const { return int(m_groups.size()); }

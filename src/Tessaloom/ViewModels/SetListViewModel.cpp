@@ -238,7 +238,7 @@ void SetListViewModel::storeCollectionSort()
     settings.setValue(collectionSortColumnKey, SetListSortOrder::rawValue(m_collectionSortColumn));
     settings.setValue(collectionSortAscendingKey, m_collectionSortAscending);
     Q_EMIT collectionSortChanged();
-    applyCollectionRequest();
+    applyCollectionSort();
 }
 
 void SetListViewModel::storeCatalogSort()
@@ -361,6 +361,17 @@ void SetListViewModel::applyCollectionRequest()
     const bool priceSort = !m_selection.isCatalog() && SetListSortOrder::sortsInMemory(m_collectionSortColumn);
     m_groups->setPriceSort(priceSort ? std::optional<bool>(m_collectionSortAscending) : std::nullopt);
     m_copies->setFetchRequest(request);
+}
+
+void SetListViewModel::applyCollectionSort()
+{
+    // A catalog list holds no copies to sort.
+    if (m_selection.isCatalog())
+        return;
+    const bool priceSort = SetListSortOrder::sortsInMemory(m_collectionSortColumn);
+    m_groups->setPriceSort(priceSort ? std::optional<bool>(m_collectionSortAscending) : std::nullopt);
+    // Only the order changes: the copies at hand are re-sorted rather than read again.
+    m_copies->setSortDescriptors(sortDescriptors());
 }
 
 void SetListViewModel::rebuildOwnedSetNumbers()

@@ -155,6 +155,7 @@ private:
                                        QSet<int> knownThemes, std::shared_ptr<std::atomic_bool> cancelled);
 
     void applyCollectionRequest();
+    void applyCollectionSort();
     void applySearchSelection();
     void setCatalogResults(const QList<CatalogSetResult> &results);
     void cancelCatalogSearch();

@@ -28,8 +28,9 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// Pictures of about a thousand grid cells; the image cache keeps the large ones behind.
-constexpr qsizetype gridPictureBytesKept = 64 * 1024 * 1024;
+// Scaled pictures of about 400 grid cells, some twenty screens of them; further cells get
+// theirs again from the image cache, which keeps the large originals in memory and on disk.
+constexpr qsizetype gridPictureBytesKept = 32 * 1024 * 1024;
 
 // The row selected in a grid (one cell) or a table (the whole row), or -1.
 int selectedRow(const QItemSelectionModel &selection)

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Store/ManagedObjectContext.h"
+#include "Store/SortDescriptor.h"
+
+#include <optional>
+
+// Orders rows of copies (each with its catalog set) in memory exactly as the store's fetch
+// orders them for the same sort descriptors: text by its UTF-8 bytes, numbers and dates by
+// value, an absent value before any value, each key in its own direction, and equal rows
+// by the copy's primary key. A list already in memory can so change its sort without
+// reading the store again.
+//
+// Only the key paths whose values the rows carry can be ordered here: the catalog set's
+// name, number, year and piece count, and the copy's date added and overall condition.
+class BrickSetRowOrder
+{
+public:
+    // The order for `descriptors`, or nothing when one of their key paths is not one of
+    // the above.
+    static std::optional<BrickSetRowOrder> forDescriptors(const QList<SortDescriptor> &descriptors);
+
+    // Sorts `rows` in place.
+    void sort(QList<BrickSetWithCatalogSet> &rows) const;
+
+private:
+    enum class Key { name, setNumber, year, pieceCount, dateAdded, overallCondition };
+    struct Term
+    {
+        Key key;
+        bool ascending;
+    };
+
+    explicit BrickSetRowOrder(QList<Term> terms)
+        : m_terms(std::move(terms))
+    {
+    }
+
+    QList<Term> m_terms;
+};
