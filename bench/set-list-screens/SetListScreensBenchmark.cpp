@@ -12,11 +12,12 @@
 // - catalogSort (with a catalog file): the catalog table of all sets (1,000 rows) sorted by
 //   each header until the new results are painted, beside sorting the same rows alone.
 //
-//   set-list-screens-bench [--copies N] [--grid N] [--runs N] [CATALOG]
+//   set-list-screens-bench [--copies N] [--grid N] [--runs N] [--default-heap] [CATALOG]
 
 #include "BenchmarkPictures.h"
 #include "LoopbackHttpServer.h"
 
+#include "Services/MemoryPolicy.h"
 #include "Services/RebrickableCatalog.h"
 #include "Store/BrickSetListModel.h"
 #include "Store/ManagedObjectContext.h"
@@ -32,6 +33,7 @@
 #include "Views/SetGridView.h"
 #include "Views/SetListView.h"
 #include "Views/SetTableView.h"
+#include "Views/TranslationLoader.h"
 
 #include <QApplication>
 #include <QDir>
@@ -40,6 +42,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QListView>
+#include <QLoggingCategory>
 #include <QScrollBar>
 #include <QSettings>
 #include <QStandardPaths>
@@ -141,7 +144,7 @@ QJsonObject scrollJson(const QString &pass, const ScrollFigures &figures)
                        {u"targetMs"_s, frameMilliseconds}};
 }
 
-void benchmarkGridScroll(int gridSets)
+void benchmarkGridScroll(int gridSets, bool defaultHeap)
 {
     QTemporaryDir pictures;
     BenchmarkPictures::Summary summary;
@@ -215,6 +218,7 @@ void benchmarkGridScroll(int gridSets)
     print(scrollJson(u"bareQtGrid"_s, baseline));
     print(QJsonObject{{u"bench"_s, u"gridMemory"_s},
                       {u"cells"_s, model.groups()->count()},
+                      {u"largeBlocksMapped"_s, !defaultHeap},
                       {u"rssBeforeGridMB"_s, rssBefore},
                       {u"rssAfterScrollMB"_s, memoryMegabytes("VmRSS:")},
                       {u"peakRssMB"_s, memoryMegabytes("VmHWM:")},
@@ -384,11 +388,20 @@ void benchmarkCatalogSort(const QString &catalogPath, int runs)
 
 int main(int argc, char *argv[])
 {
+    // As the application does at start-up; `--default-heap` measures without it.
+    const bool defaultHeap = std::any_of(argv + 1, argv + argc, [](const char *argument) {
+        return qstrcmp(argument, "--default-heap") == 0;
+    });
+    if (!defaultHeap)
+        MemoryPolicy::returnLargeBlocksToSystem();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QStandardPaths::setTestModeEnabled(true);
     QSettings().clear();
+    TranslationLoader::install(application, QLocale(QLocale::English, QLocale::UnitedStates));
+    // The cache's debug lines would be written during the frames being timed.
+    QLoggingCategory::setFilterRules(u"com.tessaloom.app.*.debug=false"_s);
     int copies = 10000;
     int gridSets = 1000;
     int runs = 3;
@@ -401,11 +414,13 @@ int main(int argc, char *argv[])
             gridSets = arguments[++index].toInt();
         else if (arguments[index] == u"--runs" && index + 1 < arguments.size())
             runs = arguments[++index].toInt();
+        else if (arguments[index] == u"--default-heap")
+            continue;
         else
             catalogPath = arguments[index];
     }
     // The grid first, so that its memory figure is not the sorts' store.
-    benchmarkGridScroll(gridSets);
+    benchmarkGridScroll(gridSets, defaultHeap);
     benchmarkTableSort(copies, runs);
     if (!catalogPath.isEmpty())
         benchmarkCatalogSort(catalogPath, runs);
