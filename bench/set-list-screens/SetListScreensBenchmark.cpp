@@ -17,6 +17,9 @@
 #include "BenchmarkPictures.h"
 #include "LoopbackHttpServer.h"
 
+#include "BenchmarkCollection.h"
+#include "BenchmarkOutput.h"
+
 #include "Services/MemoryPolicy.h"
 #include "Services/RebrickableCatalog.h"
 #include "Store/BrickSetListModel.h"
@@ -60,26 +63,6 @@ namespace {
 
 constexpr int frameMilliseconds = 16;
 constexpr int scrollStep = 60;
-
-void print(const QJsonObject &object)
-{
-    std::puts(QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
-    std::fflush(stdout);
-}
-
-double milliseconds(const std::function<void()> &work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return double(timer.nsecsElapsed()) / 1e6;
-}
-
-double percentile(QList<double> samples, double share)
-{
-    std::sort(samples.begin(), samples.end());
-    return samples.isEmpty() ? 0 : samples[qsizetype(share * double(samples.size() - 1))];
-}
 
 // VmHWM and VmRSS of this process, in MB.
 double memoryMegabytes(const char *field)
@@ -137,9 +120,9 @@ QJsonObject scrollJson(const QString &pass, const ScrollFigures &figures)
     return QJsonObject{{u"bench"_s, u"gridScroll"_s},
                        {u"pass"_s, pass},
                        {u"frames"_s, figures.frames.size()},
-                       {u"frameP50Ms"_s, percentile(figures.frames, 0.5)},
-                       {u"frameP95Ms"_s, percentile(figures.frames, 0.95)},
-                       {u"frameMaxMs"_s, percentile(figures.frames, 1.0)},
+                       {u"frameP50Ms"_s, BenchmarkOutput::percentile(figures.frames, 0.5)},
+                       {u"frameP95Ms"_s, BenchmarkOutput::percentile(figures.frames, 0.95)},
+                       {u"frameMaxMs"_s, BenchmarkOutput::percentile(figures.frames, 1.0)},
                        {u"seconds"_s, figures.seconds},
                        {u"targetMs"_s, frameMilliseconds}};
 }
@@ -153,7 +136,7 @@ void benchmarkGridScroll(int gridSets, bool defaultHeap)
     const QStringList names = BenchmarkPictures::generate(pictures.path(), std::max(1, gridSets / 4), &summary);
     LoopbackHttpServer server;
     if (!server.listen()) {
-        print(QJsonObject{{u"bench"_s, u"gridScroll"_s}, {u"error"_s, u"no loopback port"_s}});
+        BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"gridScroll"_s}, {u"error"_s, u"no loopback port"_s}});
         return;
     }
     auto store = PersistenceController::open(QString(), true);
@@ -213,10 +196,10 @@ void benchmarkGridScroll(int gridSets, bool defaultHeap)
     coldJson.insert(u"cells"_s, model.groups()->count());
     coldJson.insert(u"pictureFiles"_s, summary.count);
     coldJson.insert(u"requests"_s, server.requestCount());
-    print(coldJson);
-    print(scrollJson(u"picturesAtHand"_s, warm));
-    print(scrollJson(u"bareQtGrid"_s, baseline));
-    print(QJsonObject{{u"bench"_s, u"gridMemory"_s},
+    BenchmarkOutput::print(coldJson);
+    BenchmarkOutput::print(scrollJson(u"picturesAtHand"_s, warm));
+    BenchmarkOutput::print(scrollJson(u"bareQtGrid"_s, baseline));
+    BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"gridMemory"_s},
                       {u"cells"_s, model.groups()->count()},
                       {u"largeBlocksMapped"_s, !defaultHeap},
                       {u"rssBeforeGridMB"_s, rssBefore},
@@ -226,47 +209,10 @@ void benchmarkGridScroll(int gridSets, bool defaultHeap)
                       {u"targetMB"_s, 250}});
 }
 
-void fillStore(PersistentContainer &container, int copies)
-{
-    ManagedObjectContext &context = container.viewContext();
-    const QDateTime now = QDateTime::currentDateTime();
-    const int sets = std::max(1, copies / 2);
-    QList<CatalogSet> catalogSets;
-    for (int index = 0; index < sets; ++index) {
-        CatalogSet set;
-        set.setNumber = QString::number(10000 + index) + u"-1"_s;
-        set.name = u"Set "_s + QString::number((index * 7919) % sets);
-        set.year = qint16(1980 + index % 45);
-        set.pieceCount = index % 3000;
-        set.themeName = u"Theme "_s + QString::number(index % 40);
-        catalogSets.append(context.insert(set));
-        if (index % 2 == 0) {
-            CachedPriceGuide guide;
-            guide.catalogSet = catalogSets.last().objectID;
-            guide.conditionType = u"used"_s;
-            guide.guideType = u"sold"_s;
-            guide.avgPrice = Decimal::fromString(QString::number(10 + index % 500));
-            guide.currency = u"USD"_s;
-            guide.lastFetchDate = now.addDays(-(index % 20));
-            context.insert(guide);
-        }
-    }
-    for (int index = 0; index < copies; ++index) {
-        BrickSet copy;
-        copy.id = QUuid::createUuid();
-        copy.dateAdded = now.addDays(-(index % 90));
-        copy.catalogSet = catalogSets[index % sets].objectID;
-        if (index % 4 != 0)
-            copy.overallCondition = index % 2 ? u"used"_s : u"new"_s;
-        context.insert(copy);
-    }
-    context.save();
-}
-
 void benchmarkTableSort(int copies, int runs)
 {
     auto store = PersistenceController::open(QString(), true);
-    fillStore(store->container(), copies);
+    BenchmarkCollection::fill(store->container(), copies);
     SetListViewModel model(store->container());
     model.setGridView(false);
     SetListView view(model);
@@ -287,30 +233,30 @@ void benchmarkTableSort(int copies, int runs)
         QList<double> baseline;
         for (int run = 0; run < runs; ++run) {
             for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
-                samples << milliseconds([&] {
+                samples << BenchmarkOutput::milliseconds([&] {
                     table.model()->sort(column, order); // what a header click does
                     table.viewport()->repaint();
                 });
                 FetchRequest<BrickSet> request = model.fetchRequest(u"all_sets"_s);
                 bare.setFetchRequest(FetchRequest<BrickSet>(Predicate::alwaysFalse()));
-                baseline << milliseconds([&] { bare.setFetchRequest(request); });
+                baseline << BenchmarkOutput::milliseconds([&] { bare.setFetchRequest(request); });
             }
         }
         all << samples;
-        print(QJsonObject{{u"bench"_s, u"tableSort"_s},
+        BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"tableSort"_s},
                           {u"column"_s, table.model()->headerData(column, Qt::Horizontal).toString()},
                           {u"copies"_s, model.copies()->count()},
                           {u"rows"_s, model.groups()->count()},
-                          {u"medianMs"_s, percentile(samples, 0.5)},
-                          {u"maxMs"_s, percentile(samples, 1.0)},
-                          {u"bareFetchMedianMs"_s, percentile(baseline, 0.5)}});
+                          {u"medianMs"_s, BenchmarkOutput::percentile(samples, 0.5)},
+                          {u"maxMs"_s, BenchmarkOutput::percentile(samples, 1.0)},
+                          {u"bareFetchMedianMs"_s, BenchmarkOutput::percentile(baseline, 0.5)}});
     }
     // The value column's header sorts by name; the market price sorts through the setting.
     QList<double> byPrice;
     for (int run = 0; run < runs; ++run) {
         for (const bool ascending : {true, false}) {
             model.setCollectionSortAscending(ascending);
-            byPrice << milliseconds([&] {
+            byPrice << BenchmarkOutput::milliseconds([&] {
                 model.setCollectionSortColumn(SetListViewModel::SortColumn::value);
                 table.viewport()->repaint();
             });
@@ -318,15 +264,15 @@ void benchmarkTableSort(int copies, int runs)
         }
     }
     all << byPrice;
-    print(QJsonObject{{u"bench"_s, u"tableSort"_s},
+    BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"tableSort"_s},
                       {u"column"_s, u"market price (in memory)"_s},
                       {u"rows"_s, model.groups()->count()},
-                      {u"medianMs"_s, percentile(byPrice, 0.5)},
-                      {u"maxMs"_s, percentile(byPrice, 1.0)}});
-    print(QJsonObject{{u"bench"_s, u"tableSortSummary"_s},
-                      {u"p50Ms"_s, percentile(all, 0.5)},
-                      {u"p95Ms"_s, percentile(all, 0.95)},
-                      {u"maxMs"_s, percentile(all, 1.0)},
+                      {u"medianMs"_s, BenchmarkOutput::percentile(byPrice, 0.5)},
+                      {u"maxMs"_s, BenchmarkOutput::percentile(byPrice, 1.0)}});
+    BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"tableSortSummary"_s},
+                      {u"p50Ms"_s, BenchmarkOutput::percentile(all, 0.5)},
+                      {u"p95Ms"_s, BenchmarkOutput::percentile(all, 0.95)},
+                      {u"maxMs"_s, BenchmarkOutput::percentile(all, 1.0)},
                       {u"targetMs"_s, 50}});
 }
 
@@ -334,7 +280,7 @@ void benchmarkCatalogSort(const QString &catalogPath, int runs)
 {
     auto catalog = RebrickableCatalog::openFile(catalogPath);
     if (!catalog) {
-        print(QJsonObject{{u"bench"_s, u"catalogSort"_s}, {u"error"_s, QString(u"cannot open "_s + catalogPath)}});
+        BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"catalogSort"_s}, {u"error"_s, QString(u"cannot open "_s + catalogPath)}});
         return;
     }
     RebrickableCatalog::replaceShared(catalog);
@@ -360,26 +306,26 @@ void benchmarkCatalogSort(const QString &catalogPath, int runs)
         QList<double> baseline;
         for (int run = 0; run < runs; ++run) {
             for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
-                samples << milliseconds([&] {
+                samples << BenchmarkOutput::milliseconds([&] {
                     table.model()->sort(column, order);
                     waitForResults();
                     table.viewport()->repaint();
                 });
                 QList<CatalogSetResult> rows = model.catalogResults();
-                baseline << milliseconds([&] { SetListSortOrder::sortCatalogResults(rows, model.catalogSortOrder()); });
+                baseline << BenchmarkOutput::milliseconds([&] { SetListSortOrder::sortCatalogResults(rows, model.catalogSortOrder()); });
             }
         }
         all << samples;
-        print(QJsonObject{{u"bench"_s, u"catalogSort"_s},
+        BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"catalogSort"_s},
                           {u"column"_s, table.model()->headerData(column, Qt::Horizontal).toString()},
                           {u"rows"_s, model.catalogResults().size()},
-                          {u"medianMs"_s, percentile(samples, 0.5)},
-                          {u"maxMs"_s, percentile(samples, 1.0)},
-                          {u"bareSortMedianMs"_s, percentile(baseline, 0.5)}});
+                          {u"medianMs"_s, BenchmarkOutput::percentile(samples, 0.5)},
+                          {u"maxMs"_s, BenchmarkOutput::percentile(samples, 1.0)},
+                          {u"bareSortMedianMs"_s, BenchmarkOutput::percentile(baseline, 0.5)}});
     }
-    print(QJsonObject{{u"bench"_s, u"catalogSortSummary"_s},
-                      {u"p50Ms"_s, percentile(all, 0.5)},
-                      {u"maxMs"_s, percentile(all, 1.0)},
+    BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"catalogSortSummary"_s},
+                      {u"p50Ms"_s, BenchmarkOutput::percentile(all, 0.5)},
+                      {u"maxMs"_s, BenchmarkOutput::percentile(all, 1.0)},
                       {u"targetMs"_s, 50}});
     QThreadPool::globalInstance()->waitForDone();
 }

@@ -10,6 +10,9 @@
 //
 //   set-list-bench [--copies N] [--runs N] [CATALOG]
 
+#include "BenchmarkCollection.h"
+#include "BenchmarkOutput.h"
+
 #include "Services/RebrickableCatalog.h"
 #include "Store/BrickSetListModel.h"
 #include "Store/ManagedObjectContext.h"
@@ -32,79 +35,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void print(const QJsonObject &object)
-{
-    std::puts(QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
-    std::fflush(stdout);
-}
-
-double milliseconds(const std::function<void()> &work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return double(timer.nsecsElapsed()) / 1e6;
-}
-
-double median(QList<double> samples)
-{
-    std::sort(samples.begin(), samples.end());
-    return samples.isEmpty() ? 0 : samples[samples.size() / 2];
-}
-
-double percentile(QList<double> samples, double share)
-{
-    std::sort(samples.begin(), samples.end());
-    return samples.isEmpty() ? 0 : samples[qsizetype(share * double(samples.size() - 1))];
-}
-
-void fillStore(PersistentContainer &container, int copies)
-{
-    ManagedObjectContext &context = container.viewContext();
-    const QDateTime now = QDateTime::currentDateTime();
-    const int sets = std::max(1, copies / 2);
-    QList<CatalogSet> catalogSets;
-    for (int index = 0; index < sets; ++index) {
-        CatalogSet set;
-        set.setNumber = QString::number(10000 + index) + u"-1"_s;
-        set.name = u"Set "_s + QString::number((index * 7919) % sets);
-        set.year = qint16(1980 + index % 45);
-        set.pieceCount = index % 3000;
-        set.themeName = u"Theme "_s + QString::number(index % 40);
-        if (index % 5 == 0)
-            set.dateLastAvailable = now.addYears(-1);
-        catalogSets.append(context.insert(set));
-        if (index % 2 == 0) {
-            CachedPriceGuide guide;
-            guide.catalogSet = catalogSets.last().objectID;
-            guide.conditionType = u"used"_s;
-            guide.guideType = u"sold"_s;
-            guide.avgPrice = Decimal::fromString(QString::number(10 + index % 500));
-            guide.currency = u"USD"_s;
-            guide.lastFetchDate = now.addDays(-(index % 20));
-            context.insert(guide);
-        }
-    }
-    for (int index = 0; index < copies; ++index) {
-        BrickSet copy;
-        copy.id = QUuid::createUuid();
-        copy.dateAdded = now.addDays(-(index % 90));
-        copy.catalogSet = catalogSets[index % sets].objectID;
-        copy.isFavorite = index % 10 == 0;
-        if (index % 3 != 0)
-            copy.acquisitionType = u"purchased"_s;
-        if (index % 4 != 0)
-            copy.overallCondition = index % 2 ? u"used"_s : u"new"_s;
-        copy.isTrashed = index % 20 == 19;
-        context.insert(copy);
-    }
-    context.save();
-}
-
 void benchmarkListSwitching(int copies, int runs)
 {
     auto store = PersistenceController::open(QString(), true);
-    fillStore(store->container(), copies);
+    BenchmarkCollection::fill(store->container(), copies);
     SetListViewModel model(store->container());
     BrickSetListModel bare(store->container());
     const QStringList items{u"all_sets"_s,          u"favorites"_s, u"recently_added"_s, u"unknown_acquisition"_s,
@@ -116,25 +50,25 @@ void benchmarkListSwitching(int copies, int runs)
         QList<double> baseline;
         for (int run = 0; run < runs; ++run) {
             model.sidebarSelectionChanged(u"catalog_all_themes"_s); // away, so each switch fetches
-            samples << milliseconds([&] { model.sidebarSelectionChanged(item); });
+            samples << BenchmarkOutput::milliseconds([&] { model.sidebarSelectionChanged(item); });
             const FetchRequest<BrickSet> request = model.fetchRequest(item);
             bare.setFetchRequest(FetchRequest<BrickSet>(Predicate::alwaysFalse()));
-            baseline << milliseconds([&] { bare.setFetchRequest(request); });
+            baseline << BenchmarkOutput::milliseconds([&] { bare.setFetchRequest(request); });
         }
         all << samples;
-        print(QJsonObject{{u"bench"_s, u"listSwitch"_s},
+        BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"listSwitch"_s},
                           {u"item"_s, item},
                           {u"copies"_s, model.copies()->count()},
                           {u"cells"_s, model.groups()->count()},
-                          {u"medianMs"_s, median(samples)},
+                          {u"medianMs"_s, BenchmarkOutput::percentile(samples, 0.5)},
                           {u"maxMs"_s, *std::max_element(samples.cbegin(), samples.cend())},
-                          {u"bareListMedianMs"_s, median(baseline)},
-                          {u"ratioToBareList"_s, median(samples) / std::max(0.001, median(baseline))}});
+                          {u"bareListMedianMs"_s, BenchmarkOutput::percentile(baseline, 0.5)},
+                          {u"ratioToBareList"_s, BenchmarkOutput::percentile(samples, 0.5) / std::max(0.001, BenchmarkOutput::percentile(baseline, 0.5))}});
     }
-    print(QJsonObject{{u"bench"_s, u"listSwitchSummary"_s},
+    BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"listSwitchSummary"_s},
                       {u"storeCopies"_s, copies},
-                      {u"p50Ms"_s, percentile(all, 0.5)},
-                      {u"p95Ms"_s, percentile(all, 0.95)},
+                      {u"p50Ms"_s, BenchmarkOutput::percentile(all, 0.5)},
+                      {u"p95Ms"_s, BenchmarkOutput::percentile(all, 0.95)},
                       {u"targetMs"_s, 50}});
 }
 
@@ -142,7 +76,7 @@ void benchmarkCatalogSearch(const QString &catalogPath, int runs)
 {
     auto catalog = RebrickableCatalog::openFile(catalogPath);
     if (!catalog) {
-        print(QJsonObject{{u"bench"_s, u"catalogSearch"_s}, {u"error"_s, QString(u"cannot open "_s + catalogPath)}});
+        BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"catalogSearch"_s}, {u"error"_s, QString(u"cannot open "_s + catalogPath)}});
         return;
     }
     RebrickableCatalog::replaceShared(catalog);
@@ -177,24 +111,24 @@ void benchmarkCatalogSearch(const QString &catalogPath, int runs)
                 waitForResults();
                 shown << double(sinceStart.nsecsElapsed()) / 1e6;
                 QList<CatalogSetResult> results;
-                bare << milliseconds([&] { results = catalog->searchSetsPromotingExactHit(prefix, 1000); });
-                sorting << milliseconds([&] { SetListSortOrder::sortCatalogResults(results, model.catalogSortOrder()); });
+                bare << BenchmarkOutput::milliseconds([&] { results = catalog->searchSetsPromotingExactHit(prefix, 1000); });
+                sorting << BenchmarkOutput::milliseconds([&] { SetListSortOrder::sortCatalogResults(results, model.catalogSortOrder()); });
             }
             model.setSearchText(QString());
             waitForResults();
         }
     }
-    print(QJsonObject{{u"bench"_s, u"catalogSearch"_s},
+    BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"catalogSearch"_s},
                       {u"searches"_s, shown.size()},
                       {u"emptyQueryShownMs"_s, shownAtStart},
-                      {u"shownP50Ms"_s, percentile(shown, 0.5)},
-                      {u"shownP95Ms"_s, percentile(shown, 0.95)},
-                      {u"shownMaxMs"_s, percentile(shown, 1.0)},
-                      {u"bareP50Ms"_s, percentile(bare, 0.5)},
-                      {u"bareP95Ms"_s, percentile(bare, 0.95)},
-                      {u"bareMaxMs"_s, percentile(bare, 1.0)},
-                      {u"sortP50Ms"_s, percentile(sorting, 0.5)},
-                      {u"sortMaxMs"_s, percentile(sorting, 1.0)},
+                      {u"shownP50Ms"_s, BenchmarkOutput::percentile(shown, 0.5)},
+                      {u"shownP95Ms"_s, BenchmarkOutput::percentile(shown, 0.95)},
+                      {u"shownMaxMs"_s, BenchmarkOutput::percentile(shown, 1.0)},
+                      {u"bareP50Ms"_s, BenchmarkOutput::percentile(bare, 0.5)},
+                      {u"bareP95Ms"_s, BenchmarkOutput::percentile(bare, 0.95)},
+                      {u"bareMaxMs"_s, BenchmarkOutput::percentile(bare, 1.0)},
+                      {u"sortP50Ms"_s, BenchmarkOutput::percentile(sorting, 0.5)},
+                      {u"sortMaxMs"_s, BenchmarkOutput::percentile(sorting, 1.0)},
                       {u"targetMs"_s, 30}});
 }
 

@@ -11,17 +11,9 @@
 using namespace Qt::StringLiterals;
 
 CatalogTableView::CatalogTableView(SetListViewModel &viewModel, QWidget *parent)
-    : QTableView(parent)
+    : SetListTable(parent)
 {
     setModel(viewModel.catalogModel());
-    setSelectionBehavior(QAbstractItemView::SelectRows);
-    setSelectionMode(QAbstractItemView::SingleSelection);
-    setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setAlternatingRowColors(true);
-    setShowGrid(false);
-    setWordWrap(false);
-    verticalHeader()->hide();
-    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
 
     //% "In your collection"
     setItemDelegateForColumn(CatalogSetListModel::OwnedColumn,
@@ -29,7 +21,6 @@ CatalogTableView::CatalogTableView(SetListViewModel &viewModel, QWidget *parent)
                                                 qtTrId("catalog.owned"), this));
 
     QHeaderView *header = horizontalHeader();
-    header->setHighlightSections(false);
     header->resizeSection(CatalogSetListModel::SetNumberColumn, 90);
     header->resizeSection(CatalogSetListModel::NameColumn, 240);
     header->resizeSection(CatalogSetListModel::ThemeColumn, 140);
@@ -40,8 +31,7 @@ CatalogTableView::CatalogTableView(SetListViewModel &viewModel, QWidget *parent)
     header->setStretchLastSection(false);
     header->setSectionResizeMode(CatalogSetListModel::NameColumn, QHeaderView::Stretch);
 
-    m_sortHeader = new TableSortHeader(
-        *this, [&viewModel] { return CatalogSetListModel::columnOfSortOrder(viewModel.catalogSortOrder()); },
-        [&viewModel] { return viewModel.catalogSortAscending(); });
-    connect(&viewModel, &SetListViewModel::catalogSortChanged, m_sortHeader, &TableSortHeader::refresh);
+    installSortHeader([&viewModel] { return CatalogSetListModel::columnOfSortOrder(viewModel.catalogSortOrder()); },
+                      [&viewModel] { return viewModel.catalogSortAscending(); });
+    connect(&viewModel, &SetListViewModel::catalogSortChanged, sortHeader(), &TableSortHeader::refresh);
 }

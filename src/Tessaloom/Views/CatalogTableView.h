@@ -1,23 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QTableView>
+#include "Views/SetListTable.h"
 
 class SetListViewModel;
-class TableSortHeader;
 
 // The catalog's search results as a table: number, name, theme, year, pieces, and a check
 // mark for a set of which a copy is owned. Clicking a header sorts the results by that
 // column and stores the choice.
-class CatalogTableView : public QTableView
+class CatalogTableView : public SetListTable
 {
     Q_OBJECT
 
 public:
     explicit CatalogTableView(SetListViewModel &viewModel, QWidget *parent = nullptr);
-
-    TableSortHeader *sortHeader() const { return m_sortHeader; }
-
-private:
-    TableSortHeader *m_sortHeader;
 };

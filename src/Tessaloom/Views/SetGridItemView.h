@@ -1,29 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Views/SetGridCellPainter.h"
-
-#include <QStyledItemDelegate>
-
-class CellPictureLoader;
+#include "Views/SetGridDelegate.h"
 
 // A cell of the grid of copies, one per set: its picture through the image cache, name,
 // number and piece count, a star for a favourite and, where the list holds more than one
 // copy of the set, how many. Reads the rows of SetListGroupModel.
-class SetGridItemView : public QStyledItemDelegate
+class SetGridItemView : public SetGridDelegate
 {
     Q_OBJECT
 
 public:
     explicit SetGridItemView(CellPictureLoader &pictures, QObject *parent = nullptr);
 
-    // What the cell of `index` shows; asks for its picture (repainting it in `view` on
-    // arrival) when it is not at hand.
-    SetGridCell cell(const QModelIndex &index, QAbstractItemView *view = nullptr) const;
-
-    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-
-private:
-    CellPictureLoader &m_pictures;
+    SetGridCell cell(const QModelIndex &index, QAbstractItemView *view = nullptr) const override;
 };

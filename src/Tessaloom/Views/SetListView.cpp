@@ -28,9 +28,10 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// Scaled pictures of about 400 grid cells, some twenty screens of them; further cells get
+// Scaled pictures of about 200 grid cells, some ten screens of them; cells further back get
 // theirs again from the image cache, which keeps the large originals in memory and on disk.
-constexpr qsizetype gridPictureBytesKept = 32 * 1024 * 1024;
+// More would push a scrolled-through grid of a thousand sets past 250 MB in all.
+constexpr qsizetype gridPictureBytesKept = 16 * 1024 * 1024;
 
 // The row selected in a grid (one cell) or a table (the whole row), or -1.
 int selectedRow(const QItemSelectionModel &selection)

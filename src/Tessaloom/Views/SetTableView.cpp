@@ -19,18 +19,9 @@ constexpr int thumbnailRowHeight = 64;
 } // namespace
 
 SetTableView::SetTableView(SetListViewModel &viewModel, QWidget *parent)
-    : QTableView(parent)
+    : SetListTable(parent)
 {
     setModel(viewModel.groups());
-    setSelectionBehavior(QAbstractItemView::SelectRows);
-    setSelectionMode(QAbstractItemView::SingleSelection);
-    setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setAlternatingRowColors(true);
-    setShowGrid(false);
-    setWordWrap(false);
-    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    verticalHeader()->hide();
-    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(thumbnailRowHeight);
 
     setItemDelegateForColumn(SetListGroupModel::ThumbnailColumn, new TableThumbnail(this));
@@ -44,7 +35,6 @@ SetTableView::SetTableView(SetListViewModel &viewModel, QWidget *parent)
                              new PriceLabel(SetListGroupModel::PriceRole, SetListGroupModel::CurrencyRole, this));
 
     QHeaderView *header = horizontalHeader();
-    header->setHighlightSections(false);
     header->setSectionResizeMode(SetListGroupModel::ThumbnailColumn, QHeaderView::Fixed);
     header->resizeSection(SetListGroupModel::ThumbnailColumn, thumbnailColumnWidth);
     header->resizeSection(SetListGroupModel::SetNumberColumn, 90);
@@ -56,8 +46,7 @@ SetTableView::SetTableView(SetListViewModel &viewModel, QWidget *parent)
     header->resizeSection(SetListGroupModel::ValueColumn, 90);
     header->setStretchLastSection(true);
 
-    m_sortHeader = new TableSortHeader(
-        *this, [&viewModel] { return SetListGroupModel::columnOfSortOrder(viewModel.collectionSortOrder()); },
-        [&viewModel] { return viewModel.collectionSortAscending(); });
-    connect(&viewModel, &SetListViewModel::collectionSortChanged, m_sortHeader, &TableSortHeader::refresh);
+    installSortHeader([&viewModel] { return SetListGroupModel::columnOfSortOrder(viewModel.collectionSortOrder()); },
+                      [&viewModel] { return viewModel.collectionSortAscending(); });
+    connect(&viewModel, &SetListViewModel::collectionSortChanged, sortHeader(), &TableSortHeader::refresh);
 }
