@@ -50,6 +50,14 @@ private Q_SLOTS:
         }
     }
 
+    void countsTakeTheSingularForOne()
+    {
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        QCOMPARE(qtTrId("setList.pieceCount.", 1), u"1 piece"_s);
+        QCOMPARE(qtTrId("setList.pieceCount.", 4514), u"4,514 pieces"_s);
+        QCOMPARE(qtTrId("setList.copyCount.", 2), u"2 copies"_s);
+    }
+
     void detailPlaceholderKeysReadAsEnglish()
     {
         QCOMPARE(qtTrId("detail.placeholder.title"), u"No Set Selected"_s);

@@ -108,6 +108,7 @@ void SetListGroupModel::rebuild()
     QList<Group> groups;
     QHash<QString, int> rowOfKey;
     QHash<ObjectID, int> rowOfCopy;
+    groups.reserve(rows.size());
     rowOfKey.reserve(rows.size());
     rowOfCopy.reserve(rows.size());
     for (const qsizetype index : std::as_const(order)) {

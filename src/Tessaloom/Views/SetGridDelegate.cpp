@@ -4,7 +4,6 @@
 #include "Views/CellPictureLoader.h"
 
 #include <QAbstractItemView>
-#include <QLocale>
 
 SetGridDelegate::SetGridDelegate(CellPictureLoader &pictures, QObject *parent)
     : QStyledItemDelegate(parent)
@@ -19,8 +18,8 @@ QImage SetGridDelegate::picture(const QString &urlString, const QModelIndex &ind
 
 QString SetGridDelegate::pieceCountText(int pieces)
 {
-    //% "%1 pieces"
-    return qtTrId("setList.pieceCount.").arg(QLocale().toString(pieces));
+    //% "%Ln piece(s)"
+    return qtTrId("setList.pieceCount.", pieces);
 }
 
 void SetGridDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const

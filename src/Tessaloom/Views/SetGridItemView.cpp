@@ -3,7 +3,6 @@
 
 #include "ViewModels/SetListGroupModel.h"
 
-#include <QLocale>
 
 SetGridItemView::SetGridItemView(CellPictureLoader &pictures, QObject *parent)
     : SetGridDelegate(pictures, parent)
@@ -20,7 +19,7 @@ SetGridCell SetGridItemView::cell(const QModelIndex &index, QAbstractItemView *v
     cell.isFavorite = index.data(SetListGroupModel::IsFavoriteRole).toBool();
     const int copies = index.data(SetListGroupModel::CopyCountRole).toInt();
     if (copies > 1)
-        //% "%1 copies"
-        cell.copyCountText = qtTrId("setList.copyCount.").arg(QLocale().toString(copies));
+        //% "%Ln copies"
+        cell.copyCountText = qtTrId("setList.copyCount.", copies);
     return cell;
 }

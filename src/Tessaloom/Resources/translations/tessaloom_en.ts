@@ -268,17 +268,23 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Select a theme to see its sets.</source>
         <translation type="unfinished"></translation>
     </message>
-    <message id="setList.pieceCount.">
-        <source>%1 pieces</source>
-        <translation type="unfinished"></translation>
+    <message id="setList.pieceCount." numerus="yes">
+        <source>%Ln piece(s)</source>
+        <translation>
+            <numerusform>%Ln piece</numerusform>
+            <numerusform>%Ln pieces</numerusform>
+        </translation>
     </message>
     <message id="catalog.owned">
         <source>In your collection</source>
         <translation type="unfinished"></translation>
     </message>
-    <message id="setList.copyCount.">
-        <source>%1 copies</source>
-        <translation type="unfinished"></translation>
+    <message id="setList.copyCount." numerus="yes">
+        <source>%Ln copies</source>
+        <translation>
+            <numerusform>%Ln copy</numerusform>
+            <numerusform>%Ln copies</numerusform>
+        </translation>
     </message>
     <message id="setList.noSets.title">
         <source>No Sets</source>
