@@ -74,18 +74,19 @@ QSize SetGridCellPainter::pictureSize()
 
 void SetGridCellPainter::paint(QPainter *painter, const QStyleOptionViewItem &option, const SetGridCell &cell)
 {
-    const QWidget *widget = option.widget;
-    QStyle *style = widget ? widget->style() : QApplication::style();
-    QStyleOptionViewItem panel = option;
-    panel.text.clear();
-    panel.icon = QIcon();
-    panel.features &= ~QStyleOptionViewItem::HasDisplay;
-    panel.features &= ~QStyleOptionViewItem::HasDecoration;
-    style->drawPrimitive(QStyle::PE_PanelItemViewItem, &panel, painter, widget);
-
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
+    // The styles fill a selected cell of an icon grid only behind its text; the whole cell
+    // is marked here instead, softly, so that the picture and the text stay readable.
+    const bool selected = option.state & QStyle::State_Selected;
+    if (selected || (option.state & QStyle::State_MouseOver)) {
+        QColor fill = option.palette.color(QPalette::Highlight);
+        fill.setAlphaF(selected ? 0.28f : 0.10f);
+        painter->setPen(selected ? QPen(option.palette.color(QPalette::Highlight), 1.5) : Qt::NoPen);
+        painter->setBrush(fill);
+        painter->drawRoundedRect(QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -1.5), 8, 8);
+    }
     const QRect picture = pictureRect(option.rect);
     drawPicture(painter, picture, cell.picture, option.palette);
 
@@ -100,8 +101,7 @@ void SetGridCellPainter::paint(QPainter *painter, const QStyleOptionViewItem &op
     if (!cell.copyCountText.isEmpty())
         drawCapsule(painter, picture, cell.copyCountText, option.palette);
 
-    const bool selected = option.state & QStyle::State_Selected;
-    const QColor primary = option.palette.color(selected ? QPalette::HighlightedText : QPalette::Text);
+    const QColor primary = option.palette.color(QPalette::Text);
     QColor secondary = primary;
     secondary.setAlphaF(0.65f);
 
