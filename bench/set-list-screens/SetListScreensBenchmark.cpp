@@ -12,7 +12,7 @@
 // - catalogSort (with a catalog file): the catalog table of all sets (1,000 rows) sorted by
 //   each header until the new results are painted, beside sorting the same rows alone.
 //
-//   set-list-screens-bench [--copies N] [--grid N] [--runs N] [--default-heap] [CATALOG]
+//   set-list-screens-bench [--copies N] [--grid N] [--runs N] [CATALOG]
 
 #include "BenchmarkPictures.h"
 #include "LoopbackHttpServer.h"
@@ -20,7 +20,6 @@
 #include "BenchmarkCollection.h"
 #include "BenchmarkOutput.h"
 
-#include "Services/MemoryPolicy.h"
 #include "Services/RebrickableCatalog.h"
 #include "Store/BrickSetListModel.h"
 #include "Store/ManagedObjectContext.h"
@@ -127,7 +126,7 @@ QJsonObject scrollJson(const QString &pass, const ScrollFigures &figures)
                        {u"targetMs"_s, frameMilliseconds}};
 }
 
-void benchmarkGridScroll(int gridSets, bool defaultHeap)
+void benchmarkGridScroll(int gridSets)
 {
     QTemporaryDir pictures;
     BenchmarkPictures::Summary summary;
@@ -201,7 +200,6 @@ void benchmarkGridScroll(int gridSets, bool defaultHeap)
     BenchmarkOutput::print(scrollJson(u"bareQtGrid"_s, baseline));
     BenchmarkOutput::print(QJsonObject{{u"bench"_s, u"gridMemory"_s},
                       {u"cells"_s, model.groups()->count()},
-                      {u"largeBlocksMapped"_s, !defaultHeap},
                       {u"rssBeforeGridMB"_s, rssBefore},
                       {u"rssAfterScrollMB"_s, memoryMegabytes("VmRSS:")},
                       {u"peakRssMB"_s, memoryMegabytes("VmHWM:")},
@@ -334,12 +332,6 @@ void benchmarkCatalogSort(const QString &catalogPath, int runs)
 
 int main(int argc, char *argv[])
 {
-    // As the application does at start-up; `--default-heap` measures without it.
-    const bool defaultHeap = std::any_of(argv + 1, argv + argc, [](const char *argument) {
-        return qstrcmp(argument, "--default-heap") == 0;
-    });
-    if (!defaultHeap)
-        MemoryPolicy::returnLargeBlocksToSystem();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
@@ -360,13 +352,11 @@ int main(int argc, char *argv[])
             gridSets = arguments[++index].toInt();
         else if (arguments[index] == u"--runs" && index + 1 < arguments.size())
             runs = arguments[++index].toInt();
-        else if (arguments[index] == u"--default-heap")
-            continue;
         else
             catalogPath = arguments[index];
     }
     // The grid first, so that its memory figure is not the sorts' store.
-    benchmarkGridScroll(gridSets, defaultHeap);
+    benchmarkGridScroll(gridSets);
     benchmarkTableSort(copies, runs);
     if (!catalogPath.isEmpty())
         benchmarkCatalogSort(catalogPath, runs);

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Services/MemoryPolicy.h"
 #include "Views/TessaloomApp.h"
 #include "Views/TranslationLoader.h"
 
@@ -34,7 +33,6 @@ int main(int argc, char *argv[])
         return 2;
     }
 
-    MemoryPolicy::returnLargeBlocksToSystem();
     QApplication application(argc, argv);
     QApplication::setOrganizationName(u"Tessaloom"_s);
     QApplication::setApplicationName(u"Tessaloom"_s);

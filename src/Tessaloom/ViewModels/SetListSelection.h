@@ -1,40 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ViewModels/SidebarItem.h"
+
 #include <QString>
 
 #include <optional>
 
 // What the set list makes of the sidebar's selection, read from the item's stable id
-// ("all_sets", "favorites", "catalog_theme_158", …; empty for no selection): which
-// collection list it fetches, or whether it shows the catalog instead.
+// ("all_sets", "favorites", "catalog_theme_158", …; empty for no selection): the item's
+// kind, which collection list it fetches, or whether it shows the catalog instead. The
+// theme's name plays no part, so no catalog is asked for it.
 class SetListSelection
 {
 public:
-    enum class Kind {
-        none, // no selection: the list behaves as the whole collection
-        allSets,
-        favorites,
-        wishlist,
-        recentlyAdded,
-        unknownAcquisition,
-        unknownCondition,
-        retired,
-        noPricing,
-        outdatedPricing,
-        trash,
-        inventory,
-        catalogAll,
-        catalogAllThemes,
-        catalogTheme,
-    };
-
     SetListSelection() = default;
     // An id that names no item (or "catalog_theme_" without a decimal theme id) reads as
     // no selection, as the sidebar itself treats it.
     static SetListSelection fromItemID(const QString &itemID);
 
-    Kind kind() const { return m_kind; }
+    // The item's kind; nothing for no selection, where the list behaves as the whole
+    // collection.
+    std::optional<SidebarItem::Kind> kind() const { return m_kind; }
     // The catalog theme of a catalogTheme selection.
     std::optional<int> themeID() const { return m_themeID; }
 
@@ -45,6 +32,6 @@ public:
     friend bool operator==(const SetListSelection &, const SetListSelection &) = default;
 
 private:
-    Kind m_kind = Kind::none;
+    std::optional<SidebarItem::Kind> m_kind;
     std::optional<int> m_themeID;
 };

@@ -96,12 +96,12 @@ void SetListViewModel::sidebarSelectionChanged(const QString &itemID)
     m_searchDebounce.stop();
     // The fields change first and the list is fetched or searched once, with all of them.
     const bool searchChanged = !m_searchText.isEmpty();
-    if (selection.kind() != SetListSelection::Kind::catalogAllThemes)
+    if (selection.kind() != SidebarItem::Kind::catalogAllThemes)
         m_searchText.clear();
     std::optional<int> themeID = m_currentCatalogThemeID;
-    if (selection.kind() == SetListSelection::Kind::catalogTheme)
+    if (selection.kind() == SidebarItem::Kind::catalogTheme)
         themeID = selection.themeID();
-    else if (selection.kind() != SetListSelection::Kind::catalogAllThemes)
+    else if (selection.kind() != SidebarItem::Kind::catalogAllThemes)
         themeID.reset();
     const bool themeChanged = themeID != m_currentCatalogThemeID;
     m_currentCatalogThemeID = themeID;
@@ -115,9 +115,9 @@ void SetListViewModel::sidebarSelectionChanged(const QString &itemID)
     if (themeChanged)
         Q_EMIT currentCatalogThemeIDChanged();
 
-    switch (selection.kind()) {
-    case SetListSelection::Kind::catalogTheme:
-    case SetListSelection::Kind::catalogAll:
+    switch (selection.kind().value_or(SidebarItem::Kind::allSets)) {
+    case SidebarItem::Kind::catalogTheme:
+    case SidebarItem::Kind::catalogAll:
         runCatalogSearch();
         break;
     default:
@@ -293,7 +293,7 @@ void SetListViewModel::setGridView(bool isGridView)
 
 FetchRequest<BrickSet> SetListViewModel::fetchRequest(const QString &itemID) const
 {
-    using Kind = SetListSelection::Kind;
+    using Kind = SidebarItem::Kind;
     const SetListSelection selection = SetListSelection::fromItemID(itemID);
     // "now" is taken at the moment of the fetch, so a list left open moves with the clock
     // at its next refetch.
@@ -303,7 +303,8 @@ FetchRequest<BrickSet> SetListViewModel::fetchRequest(const QString &itemID) con
         predicates.append(BrickSetQueries::trashed());
     } else {
         predicates.append(BrickSetQueries::notTrashed());
-        switch (selection.kind()) {
+        // No selection lists the whole collection, as all sets does.
+        switch (selection.kind().value_or(Kind::allSets)) {
         case Kind::favorites:
             predicates.append(BrickSetQueries::favorite());
             break;

@@ -50,6 +50,13 @@ public:
 
     Kind kind() const { return m_kind; }
     bool isCatalogTheme() const { return m_kind == Kind::catalogTheme; }
+    // An item of the catalog's section (all sets, all themes, a theme) rather than of the
+    // collection's.
+    bool isCatalogItem() const { return isCatalogKind(m_kind); }
+    static bool isCatalogKind(Kind kind)
+    {
+        return kind == Kind::catalogAll || kind == Kind::catalogAllThemes || kind == Kind::catalogTheme;
+    }
     // The theme's id and name; 0 and empty for plain items.
     int themeID() const { return m_themeID; }
     QString themeName() const { return m_themeName; }

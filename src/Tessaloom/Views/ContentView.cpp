@@ -29,12 +29,6 @@ constexpr int middleWidth = 460;
 constexpr int detailWidth = 520;
 const QString themeBrowserSearchKey = u"themeBrowser.searchText"_s;
 
-bool isCatalogItem(const std::optional<SidebarItem> &item)
-{
-    return item
-        && (item->kind() == SidebarItem::Kind::catalogAll || item->kind() == SidebarItem::Kind::catalogAllThemes
-            || item->isCatalogTheme());
-}
 } // namespace
 
 ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService &catalogService, QWidget *parent)
@@ -132,7 +126,8 @@ void ContentView::setSelectedCatalogSet(const std::optional<CatalogSetResult> &s
 void ContentView::showOwnedCopy(const ObjectID &brickSet)
 {
     setSelectedCatalogSet(std::nullopt);
-    if (isCatalogItem(m_sidebarViewModel->selectedItem())) {
+    const std::optional<SidebarItem> shown = m_sidebarViewModel->selectedItem();
+    if (shown && shown->isCatalogItem()) {
         m_pendingBrickSet = brickSet;
         m_sidebarViewModel->setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
     } else {

@@ -183,9 +183,7 @@ void SetListView::setSidebarSelection(const std::optional<SidebarItem> &item)
 {
     //% "All Sets"
     m_title->setText(item ? item->title() : qtTrId("setList.allSets.title"));
-    const bool catalog = item
-        && (item->kind() == SidebarItem::Kind::catalogAll || item->kind() == SidebarItem::Kind::catalogAllThemes
-            || item->isCatalogTheme());
+    const bool catalog = item && item->isCatalogItem();
     //% "Search the catalog by name, number or year"
     const QString catalogPrompt = qtTrId("catalog.search.prompt");
     //% "Filter by name, number or year"
