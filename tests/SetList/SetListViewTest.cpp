@@ -200,11 +200,16 @@ private Q_SLOTS:
         QCOMPARE(group.copyCount, 2);
         QCOMPARE(falcon.isFavorite, group.copy.brickSet.isFavorite);
         // The cells are laid out side by side, each as large as its delegate asks.
-        const QRect first = view().copiesGrid()->visualRect(cells->index(0, 0));
-        const QRect second = view().copiesGrid()->visualRect(cells->index(1, 0));
+        const QRect first = view().copiesGrid()->visualRect(cells->index(0, SetListGroupModel::NameColumn));
+        const QRect second = view().copiesGrid()->visualRect(cells->index(1, SetListGroupModel::NameColumn));
         QVERIFY(first.isValid() && second.isValid());
         QCOMPARE(first.top(), second.top());
         QVERIFY(second.left() > first.right());
+
+        // Typing in the grid jumps to a set by its name.
+        view().copiesGrid()->setFocus();
+        view().copiesGrid()->keyboardSearch(u"mill"_s);
+        QCOMPARE(view().copiesGrid()->currentIndex().row(), 1);
     }
 
     void tableShowsTheListedColumnsAndUnknownSet()
@@ -393,7 +398,7 @@ private Q_SLOTS:
         addCopy(m_castle.objectID);
         showView();
         SetGridView *grid = view().copiesGrid();
-        const QModelIndex cell = grid->model()->index(0, 0);
+        const QModelIndex cell = grid->model()->index(0, SetListGroupModel::NameColumn);
         const QRect box = grid->visualRect(cell);
         const QPoint pictureCentre(box.center().x(), box.top() + 6 + 60);
         const auto pixel = [&] { return grid->viewport()->grab().toImage().pixelColor(pictureCentre); };

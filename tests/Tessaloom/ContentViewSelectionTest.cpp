@@ -131,7 +131,7 @@ private Q_SLOTS:
         QVERIFY(showsPlaceholder(u"square.grid.2x2"_s));
         SetGridView *grid = content().setListView()->copiesGrid();
         const int row = list().groups()->rowOf(m_castleCopy.objectID);
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(row, 0)).center());
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(row, SetListGroupModel::NameColumn)).center());
         QCOMPARE(content().selectedBrickSet(), m_castleCopy.objectID);
         QVERIFY(showsPreviewOf(u"Lion Knights' Castle"_s));
         QCOMPARE(content().setPreview()->setNumber(), u"10305-1"_s);

@@ -65,6 +65,8 @@ SetListView::SetListView(SetListViewModel &viewModel, QWidget *parent)
 
     m_copiesGrid->setObjectName(u"copiesGrid"_s);
     m_copiesGrid->setModel(viewModel.groups());
+    // The name column: what typing in the grid jumps to and what a screen reader reads.
+    m_copiesGrid->setModelColumn(SetListGroupModel::NameColumn);
     m_copiesGrid->setItemDelegate(m_copyCells);
     m_copiesTable->setObjectName(u"copiesTable"_s);
     // The grid and the table of one list share their selection: switching keeps it.
@@ -73,6 +75,7 @@ SetListView::SetListView(SetListViewModel &viewModel, QWidget *parent)
 
     m_catalogGrid->setObjectName(u"catalogGrid"_s);
     m_catalogGrid->setModel(viewModel.catalogModel());
+    m_catalogGrid->setModelColumn(CatalogSetListModel::NameColumn);
     m_catalogGrid->setItemDelegate(m_catalogCells);
     m_catalogTable->setObjectName(u"catalogResultsTable"_s);
     m_catalogSelection = m_catalogGrid->selectionModel();
