@@ -15,6 +15,7 @@
 #include "Views/SetGridView.h"
 #include "Views/SetListView.h"
 #include "Views/SetPreviewView.h"
+#include "Views/ThemeBrowserView.h"
 #include "Views/TranslationLoader.h"
 
 #include <QAction>
@@ -246,6 +247,11 @@ private Q_SLOTS:
         QTest::keySequence(m_content.get(), QKeySequence::Find);
         QCOMPARE(list().searchFocusTrigger(), !before);
         QTRY_VERIFY(search->hasFocus());
+
+        // Over the theme browser the keys go to its own search field.
+        sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::catalogAllThemes));
+        QTest::keySequence(m_content.get(), QKeySequence::Find);
+        QTRY_VERIFY(content().themeBrowser()->searchField()->hasFocus());
     }
 };
 

@@ -17,6 +17,7 @@
 
 #include <QAction>
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -65,7 +66,12 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     m_findAction->setShortcut(QKeySequence::Find);
     m_findAction->setShortcutContext(Qt::WindowShortcut);
     addAction(m_findAction);
-    connect(m_findAction, &QAction::triggered, m_listViewModel.get(), &SetListViewModel::toggleSearchFocusTrigger);
+    connect(m_findAction, &QAction::triggered, this, [this] {
+        m_listViewModel->toggleSearchFocusTrigger();
+        // The theme browser stands in the list's place with a search field of its own.
+        if (m_middleColumn->currentWidget() == m_themeBrowser)
+            m_themeBrowser->searchField()->setFocus(Qt::ShortcutFocusReason);
+    });
 
     // The theme browser's search stays with the window between visits.
     m_themeBrowser->setSearchText(QSettings().value(themeBrowserSearchKey).toString());
