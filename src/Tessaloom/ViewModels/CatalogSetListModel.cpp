@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ViewModels/CatalogSetListModel.h"
 
-#include "ViewModels/SetListColumnTitle.h"
-
 using namespace Qt::StringLiterals;
 
 CatalogSetListModel::CatalogSetListModel(QObject *parent)
-    : QAbstractTableModel(parent)
+    : SetListTableModel({SetListColumnTitle::Kind::setNumber, SetListColumnTitle::Kind::name,
+                         SetListColumnTitle::Kind::theme, SetListColumnTitle::Kind::year,
+                         SetListColumnTitle::Kind::pieces, std::nullopt},
+                        &CatalogSetListModel::comparatorsForColumn, parent)
 {
 }
 
@@ -134,25 +135,6 @@ QVariant CatalogSetListModel::data(const QModelIndex &index, int role) const
     }
 }
 
-QVariant CatalogSetListModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return QAbstractTableModel::headerData(section, orientation, role);
-    switch (section) {
-    case SetNumberColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::setNumber);
-    case NameColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::name);
-    case ThemeColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::theme);
-    case YearColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::year);
-    case PiecesColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::pieces);
-    default:
-        return QString();
-    }
-}
 
 QHash<int, QByteArray> CatalogSetListModel::roleNames() const
 {
@@ -166,11 +148,4 @@ QHash<int, QByteArray> CatalogSetListModel::roleNames() const
     names.insert(ImageURLRole, "imageURL");
     names.insert(IsOwnedRole, "isOwned");
     return names;
-}
-
-void CatalogSetListModel::sort(int column, Qt::SortOrder order)
-{
-    const QList<SortDescriptor> comparators = comparatorsForColumn(column, order);
-    if (!comparators.isEmpty())
-        Q_EMIT sortRequested(comparators);
 }

@@ -2,9 +2,8 @@
 #pragma once
 
 #include "Services/CatalogResults.h"
-#include "Store/SortDescriptor.h"
+#include "ViewModels/SetListTableModel.h"
 
-#include <QAbstractTableModel>
 #include <QHash>
 #include <QSet>
 
@@ -12,7 +11,7 @@
 // CatalogSetResult in the order given, with the theme's name from the list's cache and
 // whether a copy of the set is owned. Clicking a sortable header asks for a new order
 // through sortRequested(); the rows change only when the results are set again.
-class CatalogSetListModel : public QAbstractTableModel
+class CatalogSetListModel : public SetListTableModel
 {
     Q_OBJECT
 
@@ -52,13 +51,7 @@ public:
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     QHash<int, QByteArray> roleNames() const override;
-    // Emits sortRequested(); the list's model re-sorts and sets the results again.
-    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
-
-Q_SIGNALS:
-    void sortRequested(const QList<SortDescriptor> &comparators);
 
 private:
     QList<CatalogSetResult> m_results;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ViewModels/SetListGroupModel.h"
 
-#include "ViewModels/SetListColumnTitle.h"
-
 #include "Logging.h"
 #include "OverallCondition.h"
 #include "Store/BrickSetListModel.h"
@@ -17,7 +15,11 @@
 using namespace Qt::StringLiterals;
 
 SetListGroupModel::SetListGroupModel(PersistentContainer &container, BrickSetListModel &copies, QObject *parent)
-    : QAbstractTableModel(parent)
+    : SetListTableModel({std::nullopt, SetListColumnTitle::Kind::setNumber, SetListColumnTitle::Kind::name,
+                         SetListColumnTitle::Kind::theme, SetListColumnTitle::Kind::year,
+                         SetListColumnTitle::Kind::pieces, SetListColumnTitle::Kind::condition,
+                         SetListColumnTitle::Kind::value, SetListColumnTitle::Kind::added},
+                        &SetListGroupModel::comparatorsForColumn, parent)
     , m_container(container)
     , m_copies(copies)
 {
@@ -300,31 +302,6 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
     }
 }
 
-QVariant SetListGroupModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return QAbstractTableModel::headerData(section, orientation, role);
-    switch (section) {
-    case SetNumberColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::setNumber);
-    case NameColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::name);
-    case ThemeColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::theme);
-    case YearColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::year);
-    case PiecesColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::pieces);
-    case ConditionColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::condition);
-    case ValueColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::value);
-    case AddedColumn:
-        return SetListColumnTitle::text(SetListColumnTitle::Kind::added);
-    default:
-        return QString();
-    }
-}
 
 QHash<int, QByteArray> SetListGroupModel::roleNames() const
 {
@@ -344,11 +321,4 @@ QHash<int, QByteArray> SetListGroupModel::roleNames() const
     names.insert(ImageURLRole, "imageURL");
     names.insert(ThumbnailURLRole, "thumbnailURL");
     return names;
-}
-
-void SetListGroupModel::sort(int column, Qt::SortOrder order)
-{
-    const QList<SortDescriptor> comparators = comparatorsForColumn(column, order);
-    if (!comparators.isEmpty())
-        Q_EMIT sortRequested(comparators);
 }

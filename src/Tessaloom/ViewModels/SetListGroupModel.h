@@ -3,9 +3,8 @@
 
 #include "Store/CachedPriceGuide.h"
 #include "Store/ManagedObjectContext.h"
-#include "Store/SortDescriptor.h"
+#include "ViewModels/SetListTableModel.h"
 
-#include <QAbstractTableModel>
 #include <QHash>
 
 class BrickSetListModel;
@@ -20,7 +19,7 @@ class PersistentContainer;
 // same copies still stand for the same groups only changed rows are reported, so views
 // keep their selection. The value column needs each set's market price, read from the
 // price guides once and read again only after a commit that touches guides.
-class SetListGroupModel : public QAbstractTableModel
+class SetListGroupModel : public SetListTableModel
 {
     Q_OBJECT
 
@@ -90,12 +89,9 @@ public:
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     QHash<int, QByteArray> roleNames() const override;
-    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 Q_SIGNALS:
-    void sortRequested(const QList<SortDescriptor> &comparators);
     // After every rebuild, whether or not anything changed.
     void regrouped();
 
