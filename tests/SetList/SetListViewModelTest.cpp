@@ -22,7 +22,7 @@ QStringList cellNumbers(const SetListGroupModel &groups)
 {
     QStringList numbers;
     for (const SetListGroupModel::Group &group : groups.groups())
-        numbers << (group.copy.catalogSet ? group.copy.catalogSet->setNumber.value_or(QString()) : u"?"_s);
+        numbers << (group.copy->catalogSet ? group.copy->catalogSet->setNumber.value_or(QString()) : u"?"_s);
     return numbers;
 }
 
@@ -365,10 +365,10 @@ private Q_SLOTS:
         QCOMPARE(cellNumbers(groups), (QStringList{u"75192-1"_s, u"10305-1"_s}));
         QCOMPARE(groups.index(0, 0).data(SetListGroupModel::CopyCountRole).toInt(), 2);
         QCOMPARE(groups.index(1, 0).data(SetListGroupModel::CopyCountRole).toInt(), 1);
-        QCOMPARE(groups.groupAt(0).copy.brickSet.objectID, older.objectID);
+        QCOMPARE(groups.groupAt(0).copy->brickSet.objectID, older.objectID);
         QCOMPARE(groups.rowOf(newer.objectID), 0);
         model.setCollectionSortAscending(false);
-        QCOMPARE(groups.groupAt(groups.rowOf(newer.objectID)).copy.brickSet.objectID, newer.objectID);
+        QCOMPARE(groups.groupAt(groups.rowOf(newer.objectID)).copy->brickSet.objectID, newer.objectID);
     }
 
     void copyWithoutCatalogSetGetsItsOwnCellNamedUnknownSet()

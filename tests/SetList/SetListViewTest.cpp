@@ -198,7 +198,7 @@ private Q_SLOTS:
         // The copy that sorts first stands for the set, and its star is the cell's.
         const SetListGroupModel::Group &group = model().groups()->groupAt(1);
         QCOMPARE(group.copyCount, 2);
-        QCOMPARE(falcon.isFavorite, group.copy.brickSet.isFavorite);
+        QCOMPARE(falcon.isFavorite, group.copy->brickSet.isFavorite);
         // The cells are laid out side by side, each as large as its delegate asks.
         const QRect first = view().copiesGrid()->visualRect(cells->index(0, SetListGroupModel::NameColumn));
         const QRect second = view().copiesGrid()->visualRect(cells->index(1, SetListGroupModel::NameColumn));

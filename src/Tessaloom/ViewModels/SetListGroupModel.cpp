@@ -80,15 +80,17 @@ const QHash<qint64, CachedPriceGuide> &SetListGroupModel::priceGuides()
 
 void SetListGroupModel::rebuild()
 {
-    const QHash<qint64, CachedPriceGuide> &guides = priceGuides();
-    auto guideOf = [&guides](const BrickSetWithCatalogSet &copy) -> std::optional<CachedPriceGuide> {
+    // A shared copy of the guides, which the groups point into like the rows.
+    const QHash<qint64, CachedPriceGuide> guides = priceGuides();
+    auto guideOf = [&guides](const BrickSetWithCatalogSet &copy) -> const CachedPriceGuide * {
         if (!copy.brickSet.catalogSet)
-            return std::nullopt;
+            return nullptr;
         const auto found = guides.constFind(copy.brickSet.catalogSet->primaryKey);
-        return found == guides.cend() ? std::nullopt : std::optional<CachedPriceGuide>(*found);
+        return found == guides.cend() ? nullptr : &*found;
     };
 
-    const QList<BrickSetWithCatalogSet> &rows = m_copies.rows();
+    // Groups point into this snapshot instead of copying their first copy's values.
+    const QList<BrickSetWithCatalogSet> rows = m_copies.rows();
     QList<qsizetype> order(rows.size());
     std::iota(order.begin(), order.end(), 0);
     if (m_priceSortAscending) {
@@ -96,7 +98,7 @@ void SetListGroupModel::rebuild()
         QList<std::optional<Decimal>> prices;
         prices.reserve(rows.size());
         for (const BrickSetWithCatalogSet &row : rows) {
-            const std::optional<CachedPriceGuide> guide = guideOf(row);
+            const CachedPriceGuide *guide = guideOf(row);
             prices.append(guide ? guide->avgPrice : std::nullopt);
         }
         // Absent prices sort before any price, as absent values do in the store.
@@ -109,42 +111,58 @@ void SetListGroupModel::rebuild()
 
     QList<Group> groups;
     QHash<QString, int> rowOfKey;
+    // Most copies share their catalog set with others: its primary key finds their group
+    // without hashing the set number again. Only sets with a number are found this way,
+    // since without one each copy stands alone.
+    QHash<qint64, int> rowOfCatalogSet;
     QHash<ObjectID, int> rowOfCopy;
     groups.reserve(rows.size());
     rowOfKey.reserve(rows.size());
+    rowOfCatalogSet.reserve(rows.size());
     rowOfCopy.reserve(rows.size());
     for (const qsizetype index : std::as_const(order)) {
         const BrickSetWithCatalogSet &row = rows[index];
-        const QString key = groupKey(row);
-        const auto found = rowOfKey.constFind(key);
-        if (found != rowOfKey.cend()) {
-            ++groups[*found].copyCount;
-            rowOfCopy.insert(row.brickSet.objectID, *found);
-            continue;
+        const qint64 catalogSetKey = row.catalogSet && row.catalogSet->setNumber ? row.catalogSet->objectID.primaryKey : 0;
+        int groupRow = catalogSetKey != 0 ? rowOfCatalogSet.value(catalogSetKey, -1) : -1;
+        if (groupRow < 0) {
+            const QString key = groupKey(row);
+            groupRow = rowOfKey.value(key, -1);
+            if (groupRow < 0) {
+                groupRow = int(groups.size());
+                rowOfKey.insert(key, groupRow);
+                groups.append(Group{&row, 0, guideOf(row)});
+            }
+            if (catalogSetKey != 0)
+                rowOfCatalogSet.insert(catalogSetKey, groupRow);
         }
-        const int newRow = int(groups.size());
-        rowOfKey.insert(key, newRow);
-        rowOfCopy.insert(row.brickSet.objectID, newRow);
-        groups.append(Group{row, 1, guideOf(row)});
+        ++groups[groupRow].copyCount;
+        rowOfCopy.insert(row.brickSet.objectID, groupRow);
     }
 
     // The same copies standing for the same rows: report changed rows only.
     bool sameRows = groups.size() == m_groups.size();
     for (qsizetype row = 0; sameRows && row < groups.size(); ++row)
-        sameRows = groups[row].copy.brickSet.objectID == m_groups[row].copy.brickSet.objectID;
+        sameRows = groups[row].copy->brickSet.objectID == m_groups[row].copy->brickSet.objectID;
     if (sameRows) {
         for (qsizetype row = 0; row < groups.size(); ++row) {
             const Group &before = m_groups[row];
             const Group &after = groups[row];
-            const bool changed = before.copyCount != after.copyCount || before.priceGuide != after.priceGuide
-                || before.copy.brickSet != after.copy.brickSet || before.copy.catalogSet != after.copy.catalogSet;
+            const bool sameGuide = before.priceGuide == after.priceGuide
+                || (before.priceGuide && after.priceGuide && *before.priceGuide == *after.priceGuide);
+            const bool changed = before.copyCount != after.copyCount || !sameGuide
+                || before.copy->brickSet != after.copy->brickSet || before.copy->catalogSet != after.copy->catalogSet;
             m_groups[row] = std::move(groups[row]);
             if (changed)
                 Q_EMIT dataChanged(index(int(row), 0), index(int(row), ColumnCount - 1));
         }
+        // Only now may the old snapshots go: until here the rows not yet replaced used them.
+        m_rows = rows;
+        m_guidesOfGroups = guides;
     } else {
         beginResetModel();
         m_groups = std::move(groups);
+        m_rows = rows;
+        m_guidesOfGroups = guides;
         endResetModel();
     }
     m_rowOfCopy = std::move(rowOfCopy);
@@ -234,8 +252,8 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
     const Group &group = m_groups[index.row()];
-    const BrickSet &brickSet = group.copy.brickSet;
-    const std::optional<CatalogSet> &catalogSet = group.copy.catalogSet;
+    const BrickSet &brickSet = group.copy->brickSet;
+    const std::optional<CatalogSet> &catalogSet = group.copy->catalogSet;
     const QString setNumber = catalogSet ? catalogSet->setNumber.value_or(QString()) : QString();
     const std::optional<Decimal> price = group.priceGuide ? group.priceGuide->avgPrice : std::nullopt;
     const QString currency = group.priceGuide ? group.priceGuide->currency.value_or(QString()) : QString();
@@ -247,7 +265,7 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
         case SetNumberColumn:
             return setNumber;
         case NameColumn:
-            return nameCellText(group.copy);
+            return nameCellText(*group.copy);
         case ThemeColumn:
             return catalogSet ? catalogSet->themeName.value_or(QString()) : QString();
         case YearColumn:
@@ -274,7 +292,7 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
     case SetNumberRole:
         return setNumber;
     case NameRole:
-        return nameCellText(group.copy);
+        return nameCellText(*group.copy);
     case ThemeNameRole:
         return catalogSet ? catalogSet->themeName.value_or(QString()) : QString();
     case YearRole:

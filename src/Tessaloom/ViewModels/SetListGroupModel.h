@@ -58,9 +58,11 @@ public:
 
     struct Group
     {
-        BrickSetWithCatalogSet copy; // the first copy in sort order
+        // The first copy in sort order, in the model's own snapshot of the live list's
+        // rows, which stays as it is until the next rebuild.
+        const BrickSetWithCatalogSet *copy = nullptr;
         int copyCount = 1;
-        std::optional<CachedPriceGuide> priceGuide; // the set's preferred guide
+        const CachedPriceGuide *priceGuide = nullptr; // the set's preferred guide, or none
     };
 
     SetListGroupModel(PersistentContainer &container, BrickSetListModel &copies, QObject *parent = nullptr);
@@ -103,6 +105,11 @@ private:
     PersistentContainer &m_container;
     BrickSetListModel &m_copies;
     std::optional<bool> m_priceSortAscending;
+    // The live list's rows when the groups were last built. Taking it shares the list's
+    // data rather than copying it; a later change to the live list leaves it untouched.
+    QList<BrickSetWithCatalogSet> m_rows;
+    // The price guides the groups point into, kept in the same way.
+    QHash<qint64, CachedPriceGuide> m_guidesOfGroups;
     QList<Group> m_groups;
     QHash<ObjectID, int> m_rowOfCopy;
     // Preferred guide by catalog set's primary key; read on demand.

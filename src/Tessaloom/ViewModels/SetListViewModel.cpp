@@ -160,7 +160,7 @@ void SetListViewModel::toggleSearchFocusTrigger()
 void SetListViewModel::applySearchSelection()
 {
     if (!m_searchText.isEmpty() && m_groups->count() == 1)
-        Q_EMIT brickSetSelectedBySearch(m_groups->groupAt(0).copy.brickSet.objectID);
+        Q_EMIT brickSetSelectedBySearch(m_groups->groupAt(0).copy->brickSet.objectID);
 }
 
 // ---- Sort -----------------------------------------------------------------------------------

@@ -282,7 +282,7 @@ void SetListView::copySelectionChanged()
     const int row = selectedRow(*m_copySelection);
     std::optional<ObjectID> chosen;
     if (row >= 0)
-        chosen = m_viewModel.groups()->groupAt(row).copy.brickSet.objectID;
+        chosen = m_viewModel.groups()->groupAt(row).copy->brickSet.objectID;
     m_selectedBrickSet = chosen;
     Q_EMIT brickSetSelected(chosen);
 }
