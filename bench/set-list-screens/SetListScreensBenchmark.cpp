@@ -85,6 +85,16 @@ void processEventsFor(int milliseconds)
     } while (timer.elapsed() < milliseconds);
 }
 
+// The middle column as the window shows it, with the whole collection as a grid or table.
+void showAllSets(SetListViewModel &model, SetListView &view, bool grid)
+{
+    model.setGridView(grid);
+    model.sidebarSelectionChanged(SidebarItem(SidebarItem::Kind::allSets));
+    view.resize(900, 720);
+    view.show();
+    processEventsFor(100);
+}
+
 struct ScrollFigures
 {
     QList<double> frames;
@@ -164,12 +174,8 @@ void benchmarkGridScroll(int gridSets)
     const double rssBefore = memoryMegabytes("VmRSS:");
 
     SetListViewModel model(store->container());
-    model.setGridView(true);
     SetListView view(model);
-    model.sidebarSelectionChanged(SidebarItem(SidebarItem::Kind::allSets));
-    view.resize(900, 720);
-    view.show();
-    processEventsFor(100);
+    showAllSets(model, view, true);
 
     // The baseline: Qt's own grid over the same rows, painting the text cells only.
     QListView bare;
@@ -212,12 +218,8 @@ void benchmarkTableSort(int copies, int runs)
     auto store = PersistenceController::open(QString(), true);
     BenchmarkCollection::fill(store->container(), copies);
     SetListViewModel model(store->container());
-    model.setGridView(false);
     SetListView view(model);
-    model.sidebarSelectionChanged(SidebarItem(SidebarItem::Kind::allSets));
-    view.resize(900, 720);
-    view.show();
-    processEventsFor(100);
+    showAllSets(model, view, false);
     SetTableView &table = *view.copiesTable();
     BrickSetListModel bare(store->container());
 

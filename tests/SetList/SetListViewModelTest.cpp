@@ -42,12 +42,7 @@ private:
 
     BrickSet addCopy(const std::optional<ObjectID> &catalogSet, const std::function<void(BrickSet &)> &configure = {})
     {
-        BrickSet copy = newCopy(catalogSet);
-        if (configure)
-            configure(copy);
-        copy = context().insert(copy);
-        context().save();
-        return copy;
+        return saveCopy(context(), catalogSet, configure);
     }
 
     // The set numbers that the list of `itemID` fetches, in the request's order.

@@ -79,12 +79,7 @@ private:
 
     BrickSet addCopy(const std::optional<ObjectID> &catalogSet, const std::function<void(BrickSet &)> &configure = {})
     {
-        BrickSet copy = newCopy(catalogSet);
-        if (configure)
-            configure(copy);
-        copy = context().insert(copy);
-        context().save();
-        return copy;
+        return saveCopy(context(), catalogSet, configure);
     }
 
     void showView()

@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QUuid>
 
+#include <functional>
+
 namespace StoreFixtures {
 
 using namespace Qt::StringLiterals;
@@ -37,6 +39,18 @@ inline BrickSet newCopy(const std::optional<ObjectID> &catalogSet, const QDateTi
     copy.dateAdded = added;
     copy.catalogSet = catalogSet;
     copy.setAcquisitionType(AcquisitionType::unknown);
+    return copy;
+}
+
+// Inserts a new copy of `catalogSet`, shaped by `configure`, and saves it.
+inline BrickSet saveCopy(ManagedObjectContext &context, const std::optional<ObjectID> &catalogSet,
+                         const std::function<void(BrickSet &)> &configure = {})
+{
+    BrickSet copy = newCopy(catalogSet);
+    if (configure)
+        configure(copy);
+    copy = context.insert(copy);
+    context.save();
     return copy;
 }
 

@@ -53,11 +53,7 @@ private:
 
     BrickSet addCopy(const std::optional<ObjectID> &catalogSet, bool trashed = false)
     {
-        BrickSet copy = newCopy(catalogSet);
-        copy.isTrashed = trashed;
-        copy = context().insert(copy);
-        context().save();
-        return copy;
+        return saveCopy(context(), catalogSet, [trashed](BrickSet &copy) { copy.isTrashed = trashed; });
     }
 
     void showContent()
