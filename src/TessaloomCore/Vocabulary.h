@@ -72,6 +72,16 @@ QString displayName(E value)
     return entry(value).displayName.toString();
 }
 
+// What a screen shows for the stored text `raw`: its case's display name, or the text
+// itself when it names no case, so that a foreign value is shown rather than hidden.
+template <ClosedVocabulary E>
+    requires(VocabularyTraits<E>::hasDisplayName)
+QString displayNameOfStored(const QString &raw)
+{
+    const std::optional<E> value = fromRawValue<E>(raw);
+    return value ? displayName(*value) : raw;
+}
+
 // All cases in declaration order; pickers list them in this order.
 template <ClosedVocabulary E>
 QList<E> allCases()

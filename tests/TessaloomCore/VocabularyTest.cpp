@@ -38,6 +38,14 @@ private:
     }
 
 private Q_SLOTS:
+    void aStoredTextShowsItsCaseOrItselfWhenForeign()
+    {
+        QCOMPARE(Vocabulary::displayNameOfStored<OverallCondition>(u"new"_s), u"New/Sealed"_s);
+        QCOMPARE(Vocabulary::displayNameOfStored<OverallCondition>(u"used"_s), u"Used"_s);
+        QCOMPARE(Vocabulary::displayNameOfStored<OverallCondition>(u"mint"_s), u"mint"_s);
+        QCOMPARE(Vocabulary::displayNameOfStored<OverallCondition>(QString()), QString());
+    }
+
     void acquisitionTypeHasItsNineCasesInOrder()
     {
         verifyVocabulary<AcquisitionType>({{u"unknown"_s, u"Unknown"_s}, {u"purchased"_s, u"Purchased"_s},

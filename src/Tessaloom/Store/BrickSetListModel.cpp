@@ -51,9 +51,7 @@ void BrickSetListModel::setSortDescriptors(const QList<SortDescriptor> &sortDesc
         refetch();
         return;
     }
-    QList<BrickSetWithCatalogSet> rows = m_rows;
-    order->sort(rows);
-    replaceRows(std::move(rows));
+    replaceRows(order->sorted(m_rows));
 }
 
 void BrickSetListModel::refetch()

@@ -53,7 +53,7 @@ std::optional<BrickSetRowOrder> BrickSetRowOrder::forDescriptors(const QList<Sor
     return BrickSetRowOrder(std::move(terms));
 }
 
-void BrickSetRowOrder::sort(QList<BrickSetWithCatalogSet> &rows) const
+QList<BrickSetWithCatalogSet> BrickSetRowOrder::sorted(const QList<BrickSetWithCatalogSet> &rows) const
 {
     // The keys are read once per row, not once per comparison.
     QList<QList<KeyValue>> keys(rows.size());
@@ -96,9 +96,11 @@ void BrickSetRowOrder::sort(QList<BrickSetWithCatalogSet> &rows) const
         }
         return rows[left].brickSet.objectID.primaryKey < rows[right].brickSet.objectID.primaryKey;
     });
-    QList<BrickSetWithCatalogSet> sorted;
-    sorted.reserve(rows.size());
+    // Read through a const list: the rows are often shared with the list being re-sorted,
+    // and writing would copy all of them first.
+    QList<BrickSetWithCatalogSet> result;
+    result.reserve(rows.size());
     for (const qsizetype index : std::as_const(order))
-        sorted.append(std::move(rows[index]));
-    rows = std::move(sorted);
+        result.append(rows[index]);
+    return result;
 }

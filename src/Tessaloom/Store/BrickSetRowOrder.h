@@ -21,8 +21,8 @@ public:
     // the above.
     static std::optional<BrickSetRowOrder> forDescriptors(const QList<SortDescriptor> &descriptors);
 
-    // Sorts `rows` in place.
-    void sort(QList<BrickSetWithCatalogSet> &rows) const;
+    // `rows` in this order.
+    QList<BrickSetWithCatalogSet> sorted(const QList<BrickSetWithCatalogSet> &rows) const;
 
 private:
     enum class Key { name, setNumber, year, pieceCount, dateAdded, overallCondition };

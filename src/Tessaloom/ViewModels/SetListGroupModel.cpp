@@ -221,9 +221,7 @@ int SetListGroupModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : ColumnCount;
 }
 
-namespace {
-
-QString nameCellText(const BrickSetWithCatalogSet &copy)
+QString SetListGroupModel::nameText(const BrickSetWithCatalogSet &copy)
 {
     if (!copy.catalogSet)
         return u"Unknown Set"_s;
@@ -231,6 +229,8 @@ QString nameCellText(const BrickSetWithCatalogSet &copy)
         return *copy.catalogSet->name;
     return copy.catalogSet->setNumber.value_or(QString());
 }
+
+namespace {
 
 // The set's picture: the small one first for a thumbnail, the large one first otherwise,
 // each falling back on the other.
@@ -265,19 +265,15 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
         case SetNumberColumn:
             return setNumber;
         case NameColumn:
-            return nameCellText(*group.copy);
+            return nameText(*group.copy);
         case ThemeColumn:
             return catalogSet ? catalogSet->themeName.value_or(QString()) : QString();
         case YearColumn:
             return catalogSet ? QVariant(int(catalogSet->year)) : QVariant();
         case PiecesColumn:
             return catalogSet ? QVariant(int(catalogSet->pieceCount)) : QVariant();
-        case ConditionColumn: {
-            if (!brickSet.overallCondition)
-                return QString();
-            const auto condition = Vocabulary::fromRawValue<OverallCondition>(*brickSet.overallCondition);
-            return condition ? Vocabulary::displayName(*condition) : *brickSet.overallCondition;
-        }
+        case ConditionColumn:
+            return Vocabulary::displayNameOfStored<OverallCondition>(brickSet.overallCondition.value_or(QString()));
         case ValueColumn:
             return price ? QString(price->toString() + (currency.isEmpty() ? QString() : u" "_s + currency))
                          : QString();
@@ -292,7 +288,7 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
     case SetNumberRole:
         return setNumber;
     case NameRole:
-        return nameCellText(*group.copy);
+        return nameText(*group.copy);
     case ThemeNameRole:
         return catalogSet ? catalogSet->themeName.value_or(QString()) : QString();
     case YearRole:

@@ -81,6 +81,9 @@ public:
 
     // The key a copy is grouped by.
     static QString groupKey(const BrickSetWithCatalogSet &copy);
+    // How a copy is named on screen: its set's name, else the set's number, else
+    // "Unknown Set" for a copy without a catalog set.
+    static QString nameText(const BrickSetWithCatalogSet &copy);
 
     // The comparators a click on `column` stands for; empty for the columns that do not
     // sort (thumbnail, theme). The value column sorts by name: a header cannot carry the

@@ -9,6 +9,8 @@
 
 #include <QCoroFuture>
 
+#include <algorithm>
+
 namespace {
 
 QImage scaledToFit(const QImage &picture, QSize size)
@@ -49,7 +51,9 @@ QImage CellPictureLoader::picture(const QString &urlString, const QModelIndex &i
         return {};
     const bool alreadyAsked = m_waiting.contains(urlString);
     QList<Cell> &cells = m_waiting[urlString];
-    if (index.isValid() && view)
+    // A waiting cell is painted again and again as the view scrolls; it is noted once.
+    const auto sameCell = [&](const Cell &cell) { return cell.view == view && cell.index == index; };
+    if (index.isValid() && view && std::none_of(cells.cbegin(), cells.cend(), sameCell))
         cells.append(Cell{view, QPersistentModelIndex(index)});
     if (!alreadyAsked)
         request(QPointer<CellPictureLoader>(this), QPointer<ImageCacheService>(&cache()), urlString, m_pictureSize);

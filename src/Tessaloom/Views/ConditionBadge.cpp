@@ -21,10 +21,7 @@ ConditionBadge::ConditionBadge(int conditionRole, QObject *parent)
 
 QString ConditionBadge::text(const QString &rawValue)
 {
-    if (rawValue.isEmpty())
-        return {};
-    const auto condition = Vocabulary::fromRawValue<OverallCondition>(rawValue);
-    return condition ? Vocabulary::displayName(*condition) : rawValue;
+    return Vocabulary::displayNameOfStored<OverallCondition>(rawValue);
 }
 
 QColor ConditionBadge::color(const QString &rawValue)

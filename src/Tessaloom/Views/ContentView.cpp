@@ -4,6 +4,7 @@
 #include "Logging.h"
 #include "Services/RebrickableCatalog.h"
 #include "Store/PersistentContainer.h"
+#include "Store/StoreChanges.h"
 #include "Store/StoreError.h"
 #include "ViewModels/DetailColumnRule.h"
 #include "ViewModels/SetListViewModel.h"
@@ -141,10 +142,11 @@ void ContentView::showOwnedCopy(const ObjectID &brickSet)
     }
 }
 
-void ContentView::objectsChanged()
+void ContentView::objectsChanged(const StoreChanges &changes)
 {
-    // The copy on show may have been changed or deleted elsewhere.
-    if (m_selectedBrickSet && !m_selectedCatalogSet)
+    // The copy on show, or its set, may have been changed or deleted elsewhere.
+    if (m_selectedBrickSet && !m_selectedCatalogSet
+        && (changes.touches(EntityType::BrickSet) || changes.touches(EntityType::CatalogSet)))
         updateDetailColumn();
 }
 

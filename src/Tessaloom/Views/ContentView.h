@@ -21,6 +21,7 @@ class SetPreviewView;
 class SidebarItem;
 class SidebarView;
 class SidebarViewModel;
+struct StoreChanges;
 class ThemeBrowserView;
 
 // The three columns of the main window: the sidebar, the middle list and the detail pane,
@@ -66,7 +67,7 @@ private:
     void updateDetailColumn();
     void showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description);
     bool showCopyPreview();
-    void objectsChanged();
+    void objectsChanged(const StoreChanges &changes);
 
     PersistentContainer &m_container;
     std::unique_ptr<SidebarViewModel> m_sidebarViewModel;

@@ -2,6 +2,7 @@
 #include "Views/SetPreviewView.h"
 
 #include "ViewModels/SetListColumnTitle.h"
+#include "ViewModels/SetListGroupModel.h"
 #include "Views/CachedAsyncImage.h"
 #include "Views/ConditionBadge.h"
 
@@ -79,10 +80,7 @@ void SetPreviewView::showCopy(const BrickSetWithCatalogSet &copy)
 {
     const std::optional<CatalogSet> &set = copy.catalogSet;
     const QString number = set ? set->setNumber.value_or(QString()) : QString();
-    QString title = set ? set->name.value_or(QString()) : QString();
-    if (title.isEmpty())
-        title = number.isEmpty() ? u"Unknown Set"_s : number;
-    m_name->setText(title);
+    m_name->setText(SetListGroupModel::nameText(copy));
     m_setNumber->setText(number);
     QStringList fallbacks;
     if (set && set->thumbnailURL)

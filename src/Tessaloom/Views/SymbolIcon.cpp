@@ -94,6 +94,17 @@ QString SymbolIcon::themeName(const QString &symbolName)
 
 QIcon SymbolIcon::icon(const QString &symbolName)
 {
+    // Cells ask for their star or check mark at every paint; the theme lookup (and
+    // drawing the star) is done once per symbol. Icons are used on the main thread only.
+    static QHash<QString, QIcon> resolved;
+    const auto known = resolved.constFind(symbolName);
+    if (known != resolved.cend())
+        return *known;
+    return resolved.insert(symbolName, resolve(symbolName)).value();
+}
+
+QIcon SymbolIcon::resolve(const QString &symbolName)
+{
     const auto mapping = mappings().constFind(symbolName);
     if (mapping == mappings().cend())
         return QIcon::fromTheme(symbolName);

@@ -13,4 +13,7 @@ public:
     static QIcon icon(const QString &symbolName);
     // The freedesktop theme name for a symbol, or empty when there is none.
     static QString themeName(const QString &symbolName);
+
+private:
+    static QIcon resolve(const QString &symbolName);
 };
