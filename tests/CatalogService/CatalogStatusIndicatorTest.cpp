@@ -79,6 +79,73 @@ private Q_SLOTS:
         m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR), TestEnvironment::temporaryRoot() + u"/dumps"_s);
     }
 
+    void failureWithoutAPreviousCatalogOffersNoRestore()
+    {
+        LoopbackHttpServer::Response missing;
+        missing.status = 404;
+        m_dumps.setResponse(u"colors"_s, missing);
+        CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
+        QMainWindow window;
+        auto *indicator = new CatalogStatusIndicator(service, window.statusBar());
+        window.show();
+        service.startBuild();
+        QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::failed, 60'000);
+        QVERIFY(!indicator->restoreButton()->isVisible());
+        m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR), TestEnvironment::temporaryRoot() + u"/dumps"_s);
+    }
+
+    void emptyNewCatalogOffersThePreviousOneAndTheButtonPutsItBack()
+    {
+        CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
+        QMainWindow window;
+        auto *indicator = new CatalogStatusIndicator(service, window.statusBar());
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        service.startBuild();
+        QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::completed, 120'000);
+        QVERIFY(!indicator->restoreButton()->isVisible());
+
+        m_dumps.setGzipBytes(u"sets"_s, DumpServer::gzip("set_num,name,year,theme_id,num_parts,img_url\n"));
+        service.startBuild();
+        QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::failed, 120'000);
+        QVERIFY(window.statusBar()->currentMessage().startsWith(
+            u"The catalog could not be updated: The catalog database was built but contains no sets."_s));
+        QVERIFY(indicator->restoreButton()->isVisible());
+        QCOMPARE(indicator->restoreButton()->text(), u"Restore the previous catalog"_s);
+
+        QTest::mouseClick(indicator->restoreButton(), Qt::LeftButton);
+        QCOMPARE(window.statusBar()->currentMessage(), u"The previous catalog is back in service: 477 sets."_s);
+        QVERIFY(!indicator->restoreButton()->isVisible());
+        QCOMPARE(RebrickableCatalog::shared()->setCount(), 477);
+        m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR), TestEnvironment::temporaryRoot() + u"/dumps"_s);
+    }
+
+    void startWithAnEmptyCatalogAndAPreviousOneOffersTheRestore()
+    {
+        {
+            CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
+            service.startBuild();
+            QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::completed, 120'000);
+            m_dumps.setGzipBytes(u"sets"_s, DumpServer::gzip("set_num,name,year,theme_id,num_parts,img_url\n"));
+            service.startBuild();
+            QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::failed, 120'000);
+        }
+        m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR), TestEnvironment::temporaryRoot() + u"/dumps"_s);
+        // The next start: the empty catalog is what loads.
+        RebrickableCatalog::replaceShared(RebrickableCatalog::open());
+        QCOMPARE(RebrickableCatalog::shared()->setCount(), 0);
+        CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
+        QMainWindow window;
+        auto *indicator = new CatalogStatusIndicator(service, window.statusBar());
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(window.statusBar()->currentMessage(), u"The catalog in use holds no sets or cannot be read."_s);
+        QVERIFY(indicator->restoreButton()->isVisible());
+        QTest::mouseClick(indicator->restoreButton(), Qt::LeftButton);
+        QCOMPARE(RebrickableCatalog::shared()->setCount(), 477);
+        QVERIFY(!indicator->restoreButton()->isVisible());
+    }
+
     void sampleNoticeStartsTheFullDownloadAndGoesOnceItIsLive()
     {
         const QString bundled = RebrickableCatalog::bundledDatabasePath();

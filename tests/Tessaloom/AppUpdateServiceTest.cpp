@@ -2,6 +2,7 @@
 #include "LoopbackHttpServer.h"
 #include "Services/AppUpdateService.h"
 #include "TestEnvironment.h"
+#include "Views/TranslationLoader.h"
 
 #include <QCoroTask>
 #include <QSignalSpy>
@@ -36,6 +37,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         TestEnvironment::isolate();
+        QVERIFY(TranslationLoader::install(*QCoreApplication::instance(), QLocale(QLocale::English)));
         QVERIFY(m_server.listen());
     }
 
@@ -63,6 +65,30 @@ private Q_SLOTS:
         const auto result = check(service);
         QCOMPARE(result.outcome, Outcome::failed);
         QVERIFY(!result.errorText.isEmpty());
+    }
+
+    void failureShowsOurOwnSentenceAndNoSecretOfTheAddress()
+    {
+        m_server.serveBytes(u"/appcast.xml"_s, "gone", 404);
+        QUrl feed = m_server.url(u"/appcast.xml"_s);
+        feed.setQuery(u"apikey=SECRET123"_s);
+        feed.setUserInfo(u"someone:PASSWORD42"_s);
+        AppUpdateService service(feed, QVersionNumber(0, 1, 0));
+        QStringList logged;
+        static QStringList *sink = nullptr;
+        sink = &logged;
+        const QtMessageHandler previous = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &message) { sink->append(message); });
+        const auto result = check(service);
+        qInstallMessageHandler(previous);
+        QCOMPARE(result.outcome, Outcome::failed);
+        QCOMPARE(result.errorText,
+                 u"The update information could not be fetched. Check your internet connection and try again later."_s);
+        QVERIFY(!logged.isEmpty());
+        for (const QString &line : std::as_const(logged)) {
+            QVERIFY2(!line.contains(u"SECRET123"_s) && !line.contains(u"PASSWORD42"_s), qPrintable(line));
+            QVERIFY2(line.contains(u"/appcast.xml"_s), qPrintable(line));
+        }
     }
 
     void unreadableFeedFails()

@@ -17,6 +17,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
 
 #include <sqlite3.h>
 
@@ -123,6 +124,26 @@ private Q_SLOTS:
         Q_EMIT m_catalogService->catalogDatabaseDidUpdate();
         QVERIFY(!notice->isVisible());
         QFile::remove(bundled);
+    }
+
+    void startRemovesWhatAnInterruptedBuildLeftBehind()
+    {
+        const QString directory = m_catalogService->applicationDirectory();
+        QVERIFY(QDir().mkpath(m_catalogService->csvDirectory()));
+        QFile building(m_catalogService->buildingDatabasePath());
+        QVERIFY(building.open(QIODevice::WriteOnly));
+        building.write(QByteArray(4096, 'b'));
+        building.close();
+        QFile dump(m_catalogService->csvDirectory() + u"/sets.csv"_s);
+        QVERIFY(dump.open(QIODevice::WriteOnly));
+        dump.write("set_num,name,year,theme_id,num_parts,img_url\n");
+        dump.close();
+
+        const auto app = std::make_unique<TessaloomApp>(*m_store, *m_catalogService, *m_updates);
+        QVERIFY(!QFileInfo::exists(m_catalogService->buildingDatabasePath()));
+        QVERIFY(!QFileInfo::exists(m_catalogService->csvDirectory()));
+        QThreadPool::globalInstance()->waitForDone();
+        QCOMPARE(QDir(directory).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
     }
 };
 

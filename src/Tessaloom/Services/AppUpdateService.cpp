@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Services/AppUpdateService.h"
 
+#include "AddressRedaction.h"
 #include "Endpoints.h"
 #include "Logging.h"
 #include "Services/AppcastParser.h"
@@ -54,13 +55,17 @@ QCoro::Task<AppUpdateService::CheckResult> AppUpdateService::checkForUpdates()
 
     CheckResult result;
     if (reply->error() != QNetworkReply::NoError) {
-        qCWarning(lcNetwork) << "Update check failed:" << reply->errorString();
-        result.errorText = reply->errorString();
+        // Qt's own error text names the whole address, query string included; the log gets
+        // the address without its secrets and the user a sentence of our own.
+        qCWarning(lcNetwork).noquote() << "Update check failed:" << AddressRedaction::redacted(m_feedUrl)
+                                       << AddressRedaction::redactAddressesIn(reply->errorString());
+        //% "The update information could not be fetched. Check your internet connection and try again later."
+        result.errorText = qtTrId("update.error.unreachable");
         co_return result;
     }
     const auto items = AppcastParser::parse(reply->readAll());
     if (!items) {
-        qCWarning(lcNetwork) << "Update feed unreadable:" << m_feedUrl;
+        qCWarning(lcNetwork).noquote() << "Update feed unreadable:" << AddressRedaction::redacted(m_feedUrl);
         //% "The update feed could not be read."
         result.errorText = qtTrId("update.error.unreadableFeed");
         co_return result;

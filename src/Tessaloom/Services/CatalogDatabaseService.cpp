@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Services/CatalogDatabaseService.h"
 
+#include "AddressRedaction.h"
 #include "Endpoints.h"
 #include "Logging.h"
 #include "RebrickableKit/CancellationError.h"
@@ -16,6 +17,8 @@
 #include <QPointer>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QThreadPool>
+#include <QUuid>
 #include <QtConcurrent>
 
 #include <exception>
@@ -29,6 +32,17 @@ namespace {
 
 const QString lastModifiedHeaderKey = u"catalog.lastModifiedHeader"_s;
 const QString lastBuildDateKey = u"catalog.lastBuildDate"_s;
+
+// A previous catalog being put in place, and dump folders on their way out: names that
+// only exist while an operation runs, and that an interrupted one leaves behind.
+const QString stagingSuffix = u".staging"_s;
+const QString removingInfix = u".removing-"_s;
+
+// Error texts and log lines carry the addresses of outside hosts; never their secrets.
+QString readableError(const std::exception &error)
+{
+    return AddressRedaction::redactAddressesIn(QString::fromUtf8(error.what()));
+}
 
 // An error of a build step, with the sentence the set-up screen shows.
 class BuildFailure : public std::exception
@@ -117,6 +131,11 @@ QString CatalogDatabaseService::csvDirectory() const
     return m_applicationDirectory + u"/RebrickableCSV"_s;
 }
 
+QString CatalogDatabaseService::previousDatabasePath() const
+{
+    return m_applicationDirectory + u"/rebrickable.sqlite.previous"_s;
+}
+
 void CatalogDatabaseService::setState(const State &state)
 {
     if (m_state == state)
@@ -151,7 +170,7 @@ QCoro::Task<bool> CatalogDatabaseService::checkForUpdates()
         const auto result = co_await downloader.checkForUpdates(storedLastModifiedHeader());
         hasUpdates = result.hasUpdates;
     } catch (const std::exception &error) {
-        qCCritical(lcCatalogDB, "Failed to check for updates: %s", error.what());
+        qCCritical(lcCatalogDB, "Failed to check for updates: %s", qUtf8Printable(readableError(error)));
     }
     if (self && m_state.kind == State::Kind::working)
         setState(State::idle());
@@ -193,9 +212,10 @@ QCoro::Task<> CatalogDatabaseService::build(std::stop_token stopToken)
     } catch (const std::exception &error) {
         if (!self)
             co_return;
-        qCCritical(lcCatalogDB, "Catalog build failed: %s", error.what());
+        const QString text = readableError(error);
+        qCCritical(lcCatalogDB, "Catalog build failed: %s", qUtf8Printable(text));
         removeLeftovers();
-        setState(State::failed(QString::fromUtf8(error.what())));
+        setState(State::failed(text));
     }
 }
 
@@ -226,13 +246,15 @@ QCoro::Task<> CatalogDatabaseService::runBuildSteps(std::stop_token stopToken)
     co_await buildDatabase(stopToken);
     throwIfStopped(stopToken);
     setState(State::working(u"Finalizing..."_s, 0.95));
+    keepLiveAsPrevious();
     swapInBuiltFile();
 
     if (!lastModified) {
         try {
             lastModified = (co_await downloader.checkForUpdates(std::nullopt)).lastModified;
         } catch (const std::exception &error) {
-            qCWarning(lcCatalogDB, "Could not learn the dumps' date after the build: %s", error.what());
+            qCWarning(lcCatalogDB, "Could not learn the dumps' date after the build: %s",
+                      qUtf8Printable(readableError(error)));
         }
     }
     QSettings settings;
@@ -251,7 +273,7 @@ QCoro::Task<> CatalogDatabaseService::runBuildSteps(std::stop_token stopToken)
         throw BuildFailure(description(BuildError::emptyDatabase));
     qCInfo(lcCatalogDB, "Catalog validated: %d sets loaded", sets);
 
-    QDir(csvDirectory()).removeRecursively();
+    removeDirectoryInBackground(csvDirectory());
     setState(State::working(u"Done"_s, 1.0));
     qCInfo(lcCatalogDB, "Catalog database updated and reloaded");
     Q_EMIT catalogDatabaseDidUpdate();
@@ -323,8 +345,125 @@ void CatalogDatabaseService::swapInBuiltFile()
         throw BuildFailure(u"The new catalog could not be put in place: "_s + QString::fromStdString(error.message()));
 }
 
+// A hard link keeps the catalog in service under the previous name at no cost in space or
+// time; where the file system has none, a copy does. The previous name is taken in one
+// rename either way, so a crash leaves the former previous catalog or the new one whole.
+// When the catalog in service cannot be kept, the new one is not put in place: a build
+// that turned out bad could otherwise not be undone.
+void CatalogDatabaseService::keepLiveAsPrevious()
+{
+    const QString live = liveDatabasePath();
+    if (!QFileInfo::exists(live))
+        return;
+    const QString staging = previousDatabasePath() + stagingSuffix;
+    QFile::remove(staging);
+    std::error_code error;
+    std::filesystem::create_hard_link(QFile::encodeName(live).toStdString(),
+                                      QFile::encodeName(staging).toStdString(), error);
+    if (error && !QFile::copy(live, staging)) {
+        QFile::remove(staging);
+        throw BuildFailure(u"The catalog in service could not be kept as the previous one, so the new catalog "
+                           "was not put in place. Check the free disk space and try again."_s);
+    }
+    std::filesystem::rename(QFile::encodeName(staging).toStdString(),
+                            QFile::encodeName(previousDatabasePath()).toStdString(), error);
+    if (error) {
+        QFile::remove(staging);
+        throw BuildFailure(u"The catalog in service could not be kept as the previous one: "_s
+                           + QString::fromStdString(error.message()));
+    }
+}
+
+bool CatalogDatabaseService::hasPreviousCatalog() const
+{
+    return QFileInfo(previousDatabasePath()).isFile();
+}
+
+bool CatalogDatabaseService::shouldOfferPreviousCatalog() const
+{
+    if (m_state.kind == State::Kind::working || !hasPreviousCatalog())
+        return false;
+    const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
+    return !catalog || catalog->path() != liveDatabasePath() || catalog->setCount() == 0;
+}
+
+CatalogDatabaseService::RestoreOutcome CatalogDatabaseService::restorePreviousCatalog()
+{
+    if (m_state.kind == State::Kind::working) {
+        //% "The previous catalog can be restored once the catalog update under way has ended."
+        return {false, qtTrId("catalogRestore.busy")};
+    }
+    if (!hasPreviousCatalog()) {
+        //% "There is no previous catalog to restore."
+        return {false, qtTrId("catalogRestore.none")};
+    }
+    // Checked before anything moves: a previous catalog that does not read is no way back.
+    {
+        const std::shared_ptr<RebrickableCatalog> previous = RebrickableCatalog::openFile(previousDatabasePath());
+        if (!previous || previous->setCount() == 0) {
+            qCWarning(lcCatalogDB, "Previous catalog not restored: it cannot be read or holds no sets");
+            //% "The previous catalog cannot be read either, so nothing was changed. Rebuild the catalog from Settings."
+            return {false, qtTrId("catalogRestore.unreadable")};
+        }
+    }
+    std::error_code error;
+    std::filesystem::rename(QFile::encodeName(previousDatabasePath()).toStdString(),
+                            QFile::encodeName(liveDatabasePath()).toStdString(), error);
+    if (error) {
+        qCWarning(lcCatalogDB, "Previous catalog not restored: %s", error.message().c_str());
+        //% "The previous catalog could not be put back in place: %1"
+        return {false, qtTrId("catalogRestore.failed").arg(QString::fromStdString(error.message()))};
+    }
+    // The dumps' date belonged to the catalog just undone: without it the next daily check
+    // finds an update and builds again.
+    QSettings().remove(lastModifiedHeaderKey);
+    const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::open();
+    RebrickableCatalog::replaceShared(catalog);
+    const int sets = catalog ? catalog->setCount() : 0;
+    qCInfo(lcCatalogDB, "Previous catalog restored: %d sets loaded", sets);
+    setState(State::idle());
+    Q_EMIT catalogDatabaseDidUpdate();
+    //% "The previous catalog is back in service: %1 sets."
+    return {true, qtTrId("catalogRestore.done").arg(sets)};
+}
+
 void CatalogDatabaseService::removeLeftovers()
 {
     QFile::remove(buildingDatabasePath());
-    QDir(csvDirectory()).removeRecursively();
+    removeDirectoryInBackground(csvDirectory());
+}
+
+void CatalogDatabaseService::removeLeftoversOfInterruptedBuild()
+{
+    if (m_state.kind == State::Kind::working)
+        return;
+    QFile::remove(buildingDatabasePath());
+    QFile::remove(previousDatabasePath() + stagingSuffix);
+    removeDirectoryInBackground(csvDirectory());
+    // Folders moved aside by a removal that the end of the process cut short.
+    const QDir directory(m_applicationDirectory);
+    const QString pattern = QFileInfo(csvDirectory()).fileName() + removingInfix + u'*';
+    for (const QString &name : directory.entryList({pattern}, QDir::Dirs | QDir::NoDotAndDotDot))
+        removeDirectoryInBackground(directory.filePath(name));
+}
+
+// The dumps' folder holds some 225 MB in hundreds of thousands of blocks: deleting it takes
+// long enough to stall the window. It is renamed away at once, so a build that starts next
+// finds the name free, and deleted on a worker thread.
+void CatalogDatabaseService::removeDirectoryInBackground(const QString &path)
+{
+    const QFileInfo folder(path);
+    if (!folder.isDir())
+        return;
+    QString doomed = path;
+    if (!folder.fileName().contains(removingInfix)) {
+        doomed = path + removingInfix + QUuid::createUuid().toString(QUuid::WithoutBraces);
+        if (!QDir().rename(path, doomed)) {
+            // Not movable: deleted here and now, since a worker deleting it under its own
+            // name could take the files of the next build with it.
+            QDir(path).removeRecursively();
+            return;
+        }
+    }
+    QThreadPool::globalInstance()->start([doomed] { QDir(doomed).removeRecursively(); });
 }

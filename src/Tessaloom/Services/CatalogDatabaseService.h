@@ -17,7 +17,9 @@
 // only the build itself runs on a worker thread.
 //
 // The live "rebrickable.sqlite" is touched by one step only, the swap: a failure or a
-// cancellation before it leaves the catalog in service untouched and open.
+// cancellation before it leaves the catalog in service untouched and open. Right before
+// the swap the catalog in service is kept as "rebrickable.sqlite.previous" (one
+// generation), so that a new catalog which turns out empty or unreadable can be undone.
 class CatalogDatabaseService : public QObject
 {
     Q_OBJECT
@@ -59,6 +61,27 @@ public:
     void cancelCurrentTask();
     bool hasCurrentTask() const { return bool(m_stopSource); }
 
+    // Puts the previous catalog back in service in one rename, reloads the shared catalog
+    // and forgets the stored dumps' date, so that the next daily check builds again.
+    // Refused while a build works, and when there is no previous catalog or it does not
+    // read or holds no sets; then nothing changes. The outcome's text is for the user.
+    struct RestoreOutcome
+    {
+        bool restored = false;
+        QString text;
+    };
+    RestoreOutcome restorePreviousCatalog();
+    bool hasPreviousCatalog() const;
+    // Whether the catalog in service failed the reading check of a build (it is absent,
+    // another file stands in for it, or it holds no sets) while a previous one is kept:
+    // the moment to offer the previous catalog back.
+    bool shouldOfferPreviousCatalog() const;
+
+    // Removes what an interrupted build left behind: the file under construction, the
+    // dumps' folder and half-kept previous catalogs. Does nothing while a build works.
+    // Folders are moved aside at once and deleted on a worker thread.
+    void removeLeftoversOfInterruptedBuild();
+
     std::optional<QDateTime> lastBuildDate() const;
     std::optional<qint64> databaseFileSize() const;
 
@@ -66,6 +89,7 @@ public:
     QString liveDatabasePath() const;
     QString buildingDatabasePath() const;
     QString csvDirectory() const;
+    QString previousDatabasePath() const;
 
 Q_SIGNALS:
     void stateChanged(const CatalogDatabaseService::State &state);
@@ -76,8 +100,10 @@ private:
     QCoro::Task<> build(std::stop_token stopToken);
     QCoro::Task<> runBuildSteps(std::stop_token stopToken);
     QCoro::Task<> buildDatabase(std::stop_token stopToken);
+    void keepLiveAsPrevious();
     void swapInBuiltFile();
     void removeLeftovers();
+    void removeDirectoryInBackground(const QString &path);
     void setState(const State &state);
 
     QString m_applicationDirectory;

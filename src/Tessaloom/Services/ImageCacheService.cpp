@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Services/ImageCacheService.h"
 
+#include "AddressRedaction.h"
 #include "Endpoints.h"
 #include "Logging.h"
 #include "Services/ImageCacheKey.h"
@@ -21,9 +22,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Log lines carry the start of a URL only: enough to recognise it, short enough to scan.
+// What a log line shows of a picture's address: without secrets, and short.
 QByteArray brief(const QString &urlString)
 {
-    return urlString.left(60).toUtf8();
+    return AddressRedaction::redacted(urlString).left(60).toUtf8();
 }
 
 QString defaultCachesDirectory()
@@ -182,7 +184,7 @@ QCoro::Task<QImage> ImageCacheService::fetchFromNetwork(QString urlString, QStri
 {
     const QUrl url(urlString, QUrl::StrictMode);
     if (urlString.isEmpty() || !url.isValid()) {
-        qCCritical(lcCache, "fetchFromNetwork: invalid URL: %s", qUtf8Printable(urlString));
+        qCCritical(lcCache, "fetchFromNetwork: invalid URL: %s", brief(urlString).constData());
         co_return QImage();
     }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Services/ImageDownloader.h"
 
+#include "AddressRedaction.h"
+
 #include <QCoroNetworkReply>
 #include <QMetaObject>
 #include <QNetworkReply>
@@ -101,7 +103,7 @@ QCoro::Task<ImageDownloader::Result> ImageDownloader::get(QUrl url, std::stop_to
         result.body = rawReply->readAll();
     } else {
         result.outcome = Result::Outcome::networkError;
-        result.errorDescription = rawReply->errorString();
+        result.errorDescription = AddressRedaction::redactAddressesIn(rawReply->errorString());
     }
     co_return result;
 }

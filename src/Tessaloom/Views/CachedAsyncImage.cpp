@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Views/CachedAsyncImage.h"
 
+#include "AddressRedaction.h"
 #include "Logging.h"
 #include "Services/ImageCacheService.h"
 #include "Views/SymbolIcon.h"
@@ -124,7 +125,7 @@ QCoro::Task<void> CachedAsyncImage::load(QPointer<CachedAsyncImage> self, QPoint
                                          QString urlString, QStringList fallbackURLs, quint64 generation,
                                          std::stop_token stop)
 {
-    qCDebug(lcCache, "CachedAsyncImage: task started for %s", qUtf8Printable(urlString));
+    qCDebug(lcCache, "CachedAsyncImage: task started for %s", qUtf8Printable(AddressRedaction::redacted(urlString)));
     QImage image;
     if (cache && fallbackURLs.isEmpty()) {
         image = co_await cache->image(urlString);
@@ -134,12 +135,12 @@ QCoro::Task<void> CachedAsyncImage::load(QPointer<CachedAsyncImage> self, QPoint
     }
     // Only the captured values are safe here: the widget may be gone or on another URL.
     if (!self || self->m_generation != generation || stop.stop_requested()) {
-        qCDebug(lcCache, "CachedAsyncImage: task cancelled after fetch for %s", qUtf8Printable(urlString));
+        qCDebug(lcCache, "CachedAsyncImage: task cancelled after fetch for %s", qUtf8Printable(AddressRedaction::redacted(urlString)));
         co_return;
     }
     self->m_loadRunning = false;
     if (image.isNull()) {
-        qCCritical(lcCache, "CachedAsyncImage: got nil image for %s", qUtf8Printable(urlString));
+        qCCritical(lcCache, "CachedAsyncImage: got nil image for %s", qUtf8Printable(AddressRedaction::redacted(urlString)));
         self->setPhase(Phase::failure);
         co_return;
     }

@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QStatusBar>
 
 using namespace Qt::StringLiterals;
@@ -16,9 +17,12 @@ constexpr int outcomeMessageMilliseconds = 15'000;
 
 CatalogStatusIndicator::CatalogStatusIndicator(CatalogDatabaseService &service, QStatusBar *statusBar)
     : QWidget(statusBar)
+    , m_service(service)
     , m_statusBar(statusBar)
     , m_label(new QLabel(this))
     , m_progressBar(new QProgressBar(this))
+    //% "Restore the previous catalog"
+    , m_restoreButton(new QPushButton(qtTrId("catalogStatus.restorePrevious"), statusBar))
 {
     setObjectName(u"catalogStatusIndicator"_s);
     auto *layout = new QHBoxLayout(this);
@@ -29,14 +33,24 @@ CatalogStatusIndicator::CatalogStatusIndicator(CatalogDatabaseService &service, 
     m_progressBar->setMaximumWidth(160);
     m_progressBar->setTextVisible(false);
     statusBar->addPermanentWidget(this);
+    m_restoreButton->setObjectName(u"restorePreviousCatalogButton"_s);
+    m_restoreButton->setFlat(true);
+    m_restoreButton->hide();
+    statusBar->addPermanentWidget(m_restoreButton);
+    connect(m_restoreButton, &QPushButton::clicked, this, &CatalogStatusIndicator::restorePreviousCatalog);
     connect(&service, &CatalogDatabaseService::stateChanged, this, &CatalogStatusIndicator::showState);
     showState(service.state());
+    if (service.state().kind != CatalogDatabaseService::State::Kind::failed && service.shouldOfferPreviousCatalog()) {
+        //% "The catalog in use holds no sets or cannot be read."
+        offerPreviousCatalog(qtTrId("catalogStatus.liveCatalogBroken"));
+    }
 }
 
 void CatalogStatusIndicator::showState(const CatalogDatabaseService::State &state)
 {
     using Kind = CatalogDatabaseService::State::Kind;
     setVisible(state.kind == Kind::working);
+    m_restoreButton->hide();
     switch (state.kind) {
     case Kind::working:
         //% "Catalog: %1"
@@ -50,13 +64,34 @@ void CatalogStatusIndicator::showState(const CatalogDatabaseService::State &stat
                                  outcomeMessageMilliseconds);
         break;
     }
-    case Kind::failed:
+    case Kind::failed: {
         //% "The catalog could not be updated: %1"
-        m_statusBar->showMessage(qtTrId("catalogStatus.failed").arg(state.errorText), outcomeMessageMilliseconds);
+        const QString message = qtTrId("catalogStatus.failed").arg(state.errorText);
+        if (m_service.shouldOfferPreviousCatalog())
+            offerPreviousCatalog(message);
+        else
+            m_statusBar->showMessage(message, outcomeMessageMilliseconds);
         break;
+    }
     case Kind::idle:
         break;
     }
+}
+
+// The message stays until the user acts on it or the next build starts: a catalog without
+// sets is not something to read about for fifteen seconds and then forget.
+void CatalogStatusIndicator::offerPreviousCatalog(const QString &message)
+{
+    m_statusBar->showMessage(message);
+    m_restoreButton->show();
+}
+
+void CatalogStatusIndicator::restorePreviousCatalog()
+{
+    const CatalogDatabaseService::RestoreOutcome outcome = m_service.restorePreviousCatalog();
+    if (outcome.restored)
+        m_restoreButton->hide();
+    m_statusBar->showMessage(outcome.text, outcomeMessageMilliseconds);
 }
 
 QString CatalogStatusIndicator::statusText() const

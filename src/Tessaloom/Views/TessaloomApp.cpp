@@ -40,6 +40,8 @@ TessaloomApp::TessaloomApp(PersistenceController &persistenceController, Catalog
 {
     QSettings settings;
     registerDefaults(settings, QLocale());
+    // Nothing builds yet at this point, so whatever a build left is a leftover.
+    m_catalogService.removeLeftoversOfInterruptedBuild();
 }
 
 TessaloomApp::~TessaloomApp() = default;

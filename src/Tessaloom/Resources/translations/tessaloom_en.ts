@@ -330,5 +330,37 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Favorite</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="update.error.unreachable">
+        <source>The update information could not be fetched. Check your internet connection and try again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.busy">
+        <source>The previous catalog can be restored once the catalog update under way has ended.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.none">
+        <source>There is no previous catalog to restore.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.unreadable">
+        <source>The previous catalog cannot be read either, so nothing was changed. Rebuild the catalog from Settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.failed">
+        <source>The previous catalog could not be put back in place: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.done">
+        <source>The previous catalog is back in service: %1 sets.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogStatus.restorePrevious">
+        <source>Restore the previous catalog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogStatus.liveCatalogBroken">
+        <source>The catalog in use holds no sets or cannot be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
