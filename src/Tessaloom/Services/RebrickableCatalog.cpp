@@ -17,13 +17,30 @@
 #include <sqlite3.h>
 
 #include <functional>
-#include <variant>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-using Parameter = std::variant<int, QByteArray>;
+// A value bound to a statement: a number or UTF-8 text. A plain struct rather than
+// std::variant<int, QByteArray>, whose copies GCC 12 at -O3 wrongly reports as reading
+// uninitialised memory.
+struct Parameter
+{
+    Parameter(int number)
+        : number(number)
+    {
+    }
+    Parameter(QByteArray text)
+        : isText(true)
+        , text(std::move(text))
+    {
+    }
+
+    bool isText = false;
+    int number = 0;
+    QByteArray text;
+};
 
 // One prepared statement for the length of one query; finalised on every path.
 class Statement
@@ -46,11 +63,11 @@ public:
     {
         int index = 1;
         for (const Parameter &parameter : parameters) {
-            if (const int *number = std::get_if<int>(&parameter))
-                sqlite3_bind_int(m_statement, index, *number);
+            if (parameter.isText)
+                sqlite3_bind_text(m_statement, index, parameter.text.constData(), int(parameter.text.size()),
+                                  SQLITE_TRANSIENT);
             else
-                sqlite3_bind_text(m_statement, index, std::get<QByteArray>(parameter).constData(),
-                                  int(std::get<QByteArray>(parameter).size()), SQLITE_TRANSIENT);
+                sqlite3_bind_int(m_statement, index, parameter.number);
             ++index;
         }
     }
