@@ -291,22 +291,6 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(m_service->buildingDatabasePath()));
         QCOMPARE(RebrickableCatalog::shared()->setCount(), 477);
     }
-
-    void fullSizeDumpsBuildTheWholeCatalog()
-    {
-        const QString dumps = TestEnvironment::sharedDumpDirectory();
-        if (dumps.isEmpty())
-            QSKIP("the full-size dumps are not beside this checkout");
-        DumpServer full;
-        QVERIFY(full.serveGzipDirectory(dumps));
-        CatalogDatabaseService service(applicationDirectory(), full.baseUrl());
-        service.startBuild();
-        QVERIFY(QTest::qWaitFor([&] { return service.state().kind != Kind::working && service.state().kind != Kind::idle; },
-                                buildTimeout * 3));
-        QCOMPARE(service.state(), State::completed());
-        QVERIFY(RebrickableCatalog::shared()->setCount() > 26'000);
-        QVERIFY(!QFileInfo::exists(service.csvDirectory()));
-    }
 };
 
 QTEST_GUILESS_MAIN(CatalogDatabaseServiceTest)
