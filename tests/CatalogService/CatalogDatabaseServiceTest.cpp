@@ -3,9 +3,11 @@
 #include "Services/CatalogDatabaseService.h"
 #include "Services/RebrickableCatalog.h"
 #include "TestEnvironment.h"
+#include "Views/TranslationLoader.h"
 
 #include <QCoroTask>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QSettings>
 #include <QSignalSpy>
@@ -65,6 +67,8 @@ private Q_SLOTS:
     void initTestCase()
     {
         TestEnvironment::isolate();
+        // The build's status texts are translated like every other text.
+        QVERIFY(TranslationLoader::install(*QCoreApplication::instance(), QLocale(QLocale::English)));
         QVERIFY(m_dumps.serveCsvDirectory(sampleCatalogDirectory(), TestEnvironment::temporaryRoot() + u"/dumps"_s));
     }
 
@@ -198,6 +202,40 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(m_service->csvDirectory()));
         QVERIFY(!QFileInfo::exists(m_service->buildingDatabasePath()));
         QVERIFY(!QFileInfo::exists(m_service->liveDatabasePath()));
+    }
+
+    void cancellingDuringTheFirstHeadRequestTakesEffectAtOnce()
+    {
+        QSettings().setValue(u"catalog.lastModifiedHeader"_s, u"Tue, 01 Apr 2026 06:00:00 GMT"_s);
+        LoopbackHttpServer::Response slowHead;
+        slowHead.headers = {{"Last-Modified", "Wed, 02 Apr 2026 06:00:00 GMT"}};
+        slowHead.delayMilliseconds = 30'000;
+        m_dumps.setResponse(u"sets"_s, slowHead);
+        m_service->startBuild();
+        QTRY_COMPARE(m_service->state(), State::working(u"Checking for updates..."_s, 0));
+        QElapsedTimer clock;
+        clock.start();
+        m_service->cancelCurrentTask();
+        QTRY_COMPARE_WITH_TIMEOUT(m_service->state(), State::idle(), 5'000);
+        QVERIFY2(clock.elapsed() < 5'000, "the cancel waited for the HEAD request to end");
+        QCOMPARE(m_dumps.server().requestCount("GET", DumpServer::path(u"themes"_s)), 0);
+        QVERIFY(!QFileInfo::exists(m_service->csvDirectory()));
+    }
+
+    void checkForUpdatesDuringABuildSetsIdleAtItsEndWhileTheBuildGoesOn()
+    {
+        // Callers do not check during a build: the check has no guard, and when it ends it
+        // sets idle over the build's working state. The build still ends as usual.
+        LoopbackHttpServer::Response slow;
+        slow.body = DumpServer::gzip("id,name,rgb,is_trans\n");
+        slow.delayMilliseconds = 1500;
+        m_dumps.setResponse(u"colors"_s, slow);
+        m_service->startBuild();
+        QTRY_COMPARE(m_service->state().status, u"Downloading colors.csv..."_s);
+        QCOMPARE(QCoro::waitFor(m_service->checkForUpdates()), true);
+        QVERIFY(m_states.contains(State::idle()));
+        QVERIFY(waitForOutcome());
+        QTRY_COMPARE_WITH_TIMEOUT(m_service->state(), State::completed(), buildTimeout);
     }
 
     void cancellingAFinishedBuildChangesNothing()

@@ -38,6 +38,13 @@ const QString lastBuildDateKey = u"catalog.lastBuildDate"_s;
 const QString stagingSuffix = u".staging"_s;
 const QString removingInfix = u".removing-"_s;
 
+// The build's steps as the status bar and the set-up sheet show them.
+QString checkingStatus()
+{
+    //% "Checking for updates..."
+    return qtTrId("catalogBuild.status.checking");
+}
+
 // Error texts and log lines carry the addresses of outside hosts; never their secrets.
 QString readableError(const std::exception &error)
 {
@@ -162,7 +169,7 @@ std::optional<qint64> CatalogDatabaseService::databaseFileSize() const
 
 QCoro::Task<bool> CatalogDatabaseService::checkForUpdates()
 {
-    setState(State::working(u"Checking for updates..."_s, 0));
+    setState(State::working(checkingStatus(), 0));
     QPointer<CatalogDatabaseService> self(this);
     bool hasUpdates = false;
     try {
@@ -230,14 +237,16 @@ QCoro::Task<> CatalogDatabaseService::runBuildSteps(std::stop_token stopToken)
 
     std::optional<QString> lastModified;
     if (const std::optional<QString> stored = storedLastModifiedHeader()) {
-        setState(State::working(u"Checking for updates..."_s, 0));
+        setState(State::working(checkingStatus(), 0));
         // A build that was started always runs: only the header is kept from the check.
-        lastModified = (co_await downloader.checkForUpdates(stored)).lastModified;
+        lastModified = (co_await downloader.checkForUpdates(stored, stopToken)).lastModified;
     }
 
     const RebrickableDownloader::ProgressHandler onDownloadProgress = [self](const QString &name, int index, int total) {
         if (self)
-            self->setState(State::working(u"Downloading "_s + name + u".csv..."_s, double(index) / double(total) * 0.5));
+            //% "Downloading %1.csv..."
+            self->setState(State::working(qtTrId("catalogBuild.status.downloading").arg(name),
+                                          double(index) / double(total) * 0.5));
     };
     co_await downloader.downloadAll(onDownloadProgress, stopToken);
     throwIfStopped(stopToken);
@@ -245,7 +254,8 @@ QCoro::Task<> CatalogDatabaseService::runBuildSteps(std::stop_token stopToken)
     qCInfo(lcCatalogDB, "Building database at %s", qUtf8Printable(buildingDatabasePath()));
     co_await buildDatabase(stopToken);
     throwIfStopped(stopToken);
-    setState(State::working(u"Finalizing..."_s, 0.95));
+    //% "Finalizing..."
+    setState(State::working(qtTrId("catalogBuild.status.finalizing"), 0.95));
     keepLiveAsPrevious();
     swapInBuiltFile();
 
@@ -274,7 +284,8 @@ QCoro::Task<> CatalogDatabaseService::runBuildSteps(std::stop_token stopToken)
     qCInfo(lcCatalogDB, "Catalog validated: %d sets loaded", sets);
 
     removeDirectoryInBackground(csvDirectory());
-    setState(State::working(u"Done"_s, 1.0));
+    //% "Done"
+    setState(State::working(qtTrId("catalogBuild.status.done"), 1.0));
     qCInfo(lcCatalogDB, "Catalog database updated and reloaded");
     Q_EMIT catalogDatabaseDidUpdate();
 }
@@ -290,18 +301,23 @@ QCoro::Task<> CatalogDatabaseService::buildDatabase(std::stop_token stopToken)
                 return;
             using Kind = RebrickableDatabaseBuilder::BuildPhase::Kind;
             switch (phase.kind) {
-            case Kind::importing:
-                self->setState(State::working(
-                    phase.tableName.isEmpty()
-                        ? u"Importing data..."_s
-                        : QString(u"Importing "_s + phase.tableName + u"..."_s),
-                    phase.progress * 0.4 + 0.5));
+            case Kind::importing: {
+                //% "Importing data..."
+                QString status = qtTrId("catalogBuild.status.importingData");
+                if (!phase.tableName.isEmpty()) {
+                    //% "Importing %1..."
+                    status = qtTrId("catalogBuild.status.importingTable").arg(phase.tableName);
+                }
+                self->setState(State::working(status, phase.progress * 0.4 + 0.5));
                 break;
+            }
             case Kind::creatingIndexes:
-                self->setState(State::working(u"Creating indexes..."_s, 0.9));
+                //% "Creating indexes..."
+                self->setState(State::working(qtTrId("catalogBuild.status.creatingIndexes"), 0.9));
                 break;
             case Kind::vacuuming:
-                self->setState(State::working(u"Optimizing..."_s, 0.95));
+                //% "Optimizing..."
+                self->setState(State::working(qtTrId("catalogBuild.status.optimizing"), 0.95));
                 break;
             case Kind::complete:
                 qCInfo(lcCatalogDB, "Database built: %s in %.1fs",

@@ -362,5 +362,37 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>The catalog in use holds no sets or cannot be read.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="catalogBuild.status.checking">
+        <source>Checking for updates...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogBuild.status.downloading">
+        <source>Downloading %1.csv...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogBuild.status.finalizing">
+        <source>Finalizing...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogBuild.status.done">
+        <source>Done</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogBuild.status.importingData">
+        <source>Importing data...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogBuild.status.importingTable">
+        <source>Importing %1...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogBuild.status.creatingIndexes">
+        <source>Creating indexes...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogBuild.status.optimizing">
+        <source>Optimizing...</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
