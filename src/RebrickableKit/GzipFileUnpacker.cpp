@@ -34,6 +34,19 @@ GzipFile openForReading(const QString &path)
 #endif
 }
 
+// Whether the file begins as every gzip file does. zlib itself would read anything else
+// "transparently", copying it through as it stands: an error page or an empty body served
+// in place of a dump would then become the dump.
+bool startsWithGzipMagic(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    char magic[2] = {};
+    return file.read(magic, 2) == 2 && static_cast<unsigned char>(magic[0]) == 0x1f
+        && static_cast<unsigned char>(magic[1]) == 0x8b;
+}
+
 } // namespace
 
 void GzipFileUnpacker::unpack(const QString &sourcePath, const QString &targetPath)
@@ -41,6 +54,9 @@ void GzipFileUnpacker::unpack(const QString &sourcePath, const QString &targetPa
     const QString sourceName = QFileInfo(sourcePath).fileName();
     const GzipFile source = openForReading(sourcePath);
     if (!source)
+        throw DownloadError::decompressionFailed(sourceName);
+    // Checked before the target is touched: what was there stays as it was.
+    if (!startsWithGzipMagic(sourcePath))
         throw DownloadError::decompressionFailed(sourceName);
 
     if (QFileInfo::exists(targetPath) && !QFile::remove(targetPath))

@@ -14,10 +14,12 @@ public:
     static constexpr qsizetype bufferSize = 0x40000; // 256 KiB
 
     // Replaces `targetPath` with the unpacked content of `sourcePath`, never appending to
-    // what was there. Throws DownloadError::decompressionFailed when the source can't be
-    // opened or read to its proper end (a file cut short or damaged), naming the source; when the target
-    // can't be created, naming the target; FileOperationError when a leftover target can't
-    // be removed or a write fails. A target left half written by a failure stays on disk.
+    // what was there. Throws DownloadError::decompressionFailed naming the source when it
+    // can't be opened, is empty or isn't gzip at all (an error page, plain text), or can't be
+    // read to its proper end (a file cut short or damaged); naming the target when that
+    // can't be created; FileOperationError when a leftover target can't be removed or a
+    // write fails. A source that isn't gzip leaves the target untouched; a target left half
+    // written by a later failure stays on disk.
     static void unpack(const QString &sourcePath, const QString &targetPath);
 };
 

@@ -18,6 +18,7 @@
 #include <QNetworkRequest>
 #include <QPromise>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <exception>
 
@@ -63,10 +64,14 @@ QCoro::Task<> waitUntilFinished(QNetworkReply *reply, std::stop_token stopToken)
 // What a finished reply amounts to when it brought no usable answer. A refusal by the
 // server wins over the connection error Qt reports along with it (404 arrives as
 // ContentNotFoundError); a connection error with no status at all passes through as it is.
+// A redirect loop ends on a redirect status, yet no answer ever came: it is the transfer's
+// failure, not the server's refusal.
 void throwUnlessAnswered(const QNetworkReply &reply, const QString &name, const std::stop_token &stopToken)
 {
     if (stopToken.stop_requested())
         throw CancellationError();
+    if (reply.error() == QNetworkReply::TooManyRedirectsError)
+        throw TransportError::fromReply(reply);
     const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (status.isValid() && status.toInt() != 200)
         throw DownloadError::httpError(name, status.toInt());
@@ -145,6 +150,12 @@ void RebrickableDownloader::setRequestTimeouts(std::chrono::milliseconds downloa
 {
     m_downloadTimeout = download;
     m_updateCheckTimeout = updateCheck;
+}
+
+void RebrickableDownloader::setMinimumTransferRate(qint64 bytes, std::chrono::milliseconds window)
+{
+    m_minimumTransferBytes = bytes;
+    m_transferRateWindow = window;
 }
 
 QCoro::Task<RebrickableDownloader::UpdateCheckResult>
@@ -228,19 +239,47 @@ QCoro::Task<> RebrickableDownloader::receiveBody(QString name, QString partialPa
 
     QNetworkRequest request(downloadUrl(name));
     request.setTransferTimeout(int(m_downloadTimeout.count()));
+    // The dump exactly as published. Left to itself, Qt asks for a compressed transfer and
+    // undoes a "Content-Encoding: gzip" that some hosts put on .gz files, which would hand
+    // the unpacking plain text; with the encoding asked for here it passes bytes as sent.
+    request.setRawHeader("Accept-Encoding", "identity");
     const ReplyPointer reply(m_network->get(request));
     QNetworkReply *const replyObject = reply.get();
     // Bounds what waits in memory for this thread: Qt's network thread otherwise keeps
     // reading into the reply while this thread is busy elsewhere.
     replyObject->setReadBufferSize(readBufferSize);
 
+    // Qt's transfer time-out starts over with every byte that arrives, so it never ends a
+    // body that trickles in. Once the answer has begun, every window has to bring at least
+    // the minimum; the abort is queued so that it never runs inside a signal of the reply.
+    const qint64 minimumBytes = m_minimumTransferBytes;
+    qint64 receivedInWindow = 0;
+    bool tooSlow = false;
+    QTimer rateGuard;
+    rateGuard.setInterval(m_transferRateWindow);
+    QObject::connect(&rateGuard, &QTimer::timeout, replyObject, [&rateGuard, &receivedInWindow, &tooSlow, minimumBytes, replyObject] {
+        if (receivedInWindow < minimumBytes) {
+            tooSlow = true;
+            rateGuard.stop();
+            QMetaObject::invokeMethod(replyObject, &QNetworkReply::abort, Qt::QueuedConnection);
+        }
+        receivedInWindow = 0;
+    });
+    const auto startRateGuard = [&rateGuard, &tooSlow, minimumBytes] {
+        if (minimumBytes > 0 && !tooSlow && !rateGuard.isActive())
+            rateGuard.start();
+    };
+    QObject::connect(replyObject, &QNetworkReply::metaDataChanged, &rateGuard, startRateGuard);
+
     // Each piece of the body goes to disk as soon as it arrives, so a dump never sits whole
     // in memory. The body of a refusal is read and dropped. A disk failure stops the
     // transfer; the abort is queued so that it never runs inside this very signal.
     std::optional<FileOperationError> diskFailure;
     qint64 received = 0;
-    const auto writeArrivedBytes = [&partial, &diskFailure, &received, replyObject] {
+    const auto writeArrivedBytes = [&partial, &diskFailure, &received, &receivedInWindow, startRateGuard, replyObject] {
         const QByteArray piece = replyObject->readAll();
+        startRateGuard();
+        receivedInWindow += piece.size();
         if (diskFailure || replyObject->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != 200)
             return;
         received += piece.size();
@@ -252,6 +291,7 @@ QCoro::Task<> RebrickableDownloader::receiveBody(QString name, QString partialPa
     QObject::connect(replyObject, &QIODevice::readyRead, replyObject, writeArrivedBytes);
 
     co_await waitUntilFinished(replyObject, stopToken);
+    rateGuard.stop();
     if (replyObject->bytesAvailable() > 0)
         writeArrivedBytes();
     partial.close();
@@ -261,15 +301,15 @@ QCoro::Task<> RebrickableDownloader::receiveBody(QString name, QString partialPa
             throw CancellationError();
         if (diskFailure)
             throw *diskFailure;
+        if (tooSlow)
+            throw TransportError::tooSlow(*replyObject);
         throwUnlessAnswered(*replyObject, name, stopToken);
         // Qt may end a "Connection: close" response at the close without an error, even
-        // short of its Content-Length. The length is only comparable when the body came as
-        // sent, not decoded on the way.
+        // short of its Content-Length. The body comes as sent (no decoding was asked for),
+        // so the two lengths compare.
         const QVariant announced = replyObject->header(QNetworkRequest::ContentLengthHeader);
-        if (announced.isValid() && !replyObject->hasRawHeader("Content-Encoding")
-            && announced.toLongLong() != received) {
+        if (announced.isValid() && announced.toLongLong() != received)
             throw TransportError::incompleteBody(*replyObject);
-        }
     } catch (...) {
         QFile::remove(partialPath);
         throw;

@@ -28,7 +28,8 @@ namespace RebrickableKit {
 // fixed buffer, so neither a whole dump in memory nor a long stall of the event loop occurs.
 //
 // Failures come as exceptions through co_await: DownloadError (the server said no, or a
-// file would not unpack), TransportError (no complete answer), FileOperationError (the local
+// file would not unpack, such as an error page served in place of a dump), TransportError
+// (no complete answer, a body far too slow, a redirect loop), FileOperationError (the local
 // disk), CancellationError (the stop token was triggered). Nothing is retried.
 class RebrickableDownloader
 {
@@ -51,6 +52,8 @@ public:
 
     static constexpr std::chrono::milliseconds defaultDownloadTimeout = std::chrono::seconds(300);
     static constexpr std::chrono::milliseconds defaultUpdateCheckTimeout = std::chrono::seconds(60);
+    static constexpr qint64 defaultMinimumTransferBytes = 1024;
+    static constexpr std::chrono::milliseconds defaultTransferRateWindow = std::chrono::seconds(60);
 
     // `baseUrl` is the download host, such as "https://cdn.rebrickable.com"; its own path,
     // if any, is kept in front of "/media/downloads/NAME.csv.gz".
@@ -69,6 +72,16 @@ public:
     std::chrono::milliseconds downloadTimeout() const { return m_downloadTimeout; }
     std::chrono::milliseconds updateCheckTimeout() const { return m_updateCheckTimeout; }
     void setRequestTimeouts(std::chrono::milliseconds download, std::chrono::milliseconds updateCheck);
+
+    // The least a dump's body must bring in each window once its answer has begun, 1 KiB in
+    // 60 s, or the download fails with TransportError::Kind::timedOut. The time-out above
+    // starts over with every byte, so a body trickling in a few bytes at a time would
+    // otherwise run for hours. Silence before the answer begins is left to that time-out.
+    // A minimum of 0 turns the guard off. The HEAD request has no such guard: it carries
+    // no body.
+    qint64 minimumTransferBytes() const { return m_minimumTransferBytes; }
+    std::chrono::milliseconds transferRateWindow() const { return m_transferRateWindow; }
+    void setMinimumTransferRate(qint64 bytes, std::chrono::milliseconds window);
 
     // One HEAD request for "sets", which stands for all twelve dumps. `lastModified` is the
     // header of the dumps the current catalog was built from. Any difference of the header,
@@ -91,6 +104,8 @@ private:
     QUrl m_baseUrl;
     std::chrono::milliseconds m_downloadTimeout = defaultDownloadTimeout;
     std::chrono::milliseconds m_updateCheckTimeout = defaultUpdateCheckTimeout;
+    qint64 m_minimumTransferBytes = defaultMinimumTransferBytes;
+    std::chrono::milliseconds m_transferRateWindow = defaultTransferRateWindow;
     std::unique_ptr<QNetworkAccessManager> m_network;
     AsyncMutex m_mutex;
 };

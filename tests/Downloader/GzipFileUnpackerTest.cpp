@@ -142,13 +142,50 @@ private Q_SLOTS:
         QCOMPARE(error->description(), u"Failed to decompress colors.csv"_s);
     }
 
-    void plainTextIsCopiedAsItIs()
+    void plainTextIsRefusedAsNotGzip()
     {
-        // zlib reads a file without a gzip header as it stands; a host that unpacked the dump
-        // on its way still gives the right file.
+        // zlib alone would copy a file without a gzip header through as it stands, and an
+        // error page served in place of a dump would become the dump.
         GzipTestFiles::writeAll(path(u"themes.csv.gz"_s), smallCsv);
-        GzipFileUnpacker::unpack(path(u"themes.csv.gz"_s), path(u"themes.csv"_s));
-        QCOMPARE(GzipTestFiles::readAll(path(u"themes.csv"_s)), smallCsv);
+        const std::optional<DownloadError> error = unpackFailure(path(u"themes.csv.gz"_s), path(u"themes.csv"_s));
+        QVERIFY(error);
+        QCOMPARE(error->kind(), DownloadError::Kind::decompressionFailed);
+        QCOMPARE(error->description(), u"Failed to decompress themes.csv.gz"_s);
+        QVERIFY(!QFileInfo::exists(path(u"themes.csv"_s)));
+    }
+
+    void anHtmlPageIsRefusedAndLeavesALeftoverTargetAsItWas()
+    {
+        GzipTestFiles::writeAll(path(u"sets.csv"_s), smallCsv);
+        GzipTestFiles::writeAll(path(u"sets.csv.gz"_s), "<!DOCTYPE html><html><body>Service Unavailable</body></html>");
+        const std::optional<DownloadError> error = unpackFailure(path(u"sets.csv.gz"_s), path(u"sets.csv"_s));
+        QVERIFY(error);
+        QCOMPARE(error->description(), u"Failed to decompress sets.csv.gz"_s);
+        QCOMPARE(GzipTestFiles::readAll(path(u"sets.csv"_s)), smallCsv);
+    }
+
+    void anEmptyFileIsRefusedAsNotGzip()
+    {
+        GzipTestFiles::writeAll(path(u"colors.csv.gz"_s), QByteArray());
+        QVERIFY(QFileInfo::exists(path(u"colors.csv.gz"_s)));
+        const std::optional<DownloadError> error = unpackFailure(path(u"colors.csv.gz"_s), path(u"colors.csv"_s));
+        QVERIFY(error);
+        QCOMPARE(error->description(), u"Failed to decompress colors.csv.gz"_s);
+        QVERIFY(!QFileInfo::exists(path(u"colors.csv"_s)));
+    }
+
+    void aFileOfOnlyTheFirstMagicByteIsRefused()
+    {
+        GzipTestFiles::writeAll(path(u"colors.csv.gz"_s), QByteArray(1, char(0x1f)));
+        QVERIFY(unpackFailure(path(u"colors.csv.gz"_s), path(u"colors.csv"_s)));
+        QVERIFY(!QFileInfo::exists(path(u"colors.csv"_s)));
+    }
+
+    void aGzipHeaderFollowedByNothingFails()
+    {
+        // The magic bytes alone don't make a gzip file: the rest must still unpack.
+        GzipTestFiles::writeAll(path(u"colors.csv.gz"_s), GzipTestFiles::compress(smallCsv).left(10));
+        QVERIFY(unpackFailure(path(u"colors.csv.gz"_s), path(u"colors.csv"_s)));
     }
 };
 

@@ -44,11 +44,12 @@ private:
     std::unique_ptr<QTemporaryDir> m_work;
 
     // The server runs on its own thread, so it answers while this thread waits here.
-    Run run(const QString &program, const QStringList &arguments) const
+    Run run(const QString &program, const QStringList &arguments, const QUrl &baseUrl = {}) const
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"TESSALOOM_ENDPOINTS"_s, u"rebrickable="_s + m_server->baseUrl().toString());
+        environment.insert(u"TESSALOOM_ENDPOINTS"_s,
+                           u"rebrickable="_s + (baseUrl.isEmpty() ? m_server->baseUrl() : baseUrl).toString());
         process.setProcessEnvironment(environment);
         process.start(program, arguments);
         if (!process.waitForFinished(240000))
@@ -57,7 +58,36 @@ private:
                 QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
     }
 
-    Run fetch(const QStringList &arguments) const { return run(QStringLiteral(REBRICKABLE_FETCH), arguments); }
+    Run fetch(const QStringList &arguments, const QUrl &baseUrl = {}) const
+    {
+        return run(QStringLiteral(REBRICKABLE_FETCH), arguments, baseUrl);
+    }
+
+    // Every dump as a small gzip file, under `prefix` in front of the download path.
+    void serveSmallDumps(const QString &prefix = {})
+    {
+        for (const QString &name : RebrickableDownloader::dumpNames())
+            m_server->serveBytes(prefix + urlPath(name), GzipTestFiles::compress("id,name\n1,x\n"));
+    }
+
+    // The loopback server's address with credentials, a path, an API key and a fragment.
+    QUrl addressWithSecrets() const
+    {
+        QUrl url = m_server->baseUrl();
+        url.setUserInfo(u"someone:hunter2"_s);
+        url.setPath(u"/x"_s);
+        url.setQuery(u"apikey=SECRET123"_s);
+        url.setFragment(u"frag"_s);
+        return url;
+    }
+
+    static void verifyNoSecretIn(const Run &result)
+    {
+        for (const QString &secret : {u"someone"_s, u"hunter2"_s, u"SECRET123"_s, u"apikey"_s, u"frag"_s}) {
+            QVERIFY2(!result.output.contains(secret), qPrintable(result.output));
+            QVERIFY2(!result.errors.contains(secret), qPrintable(result.errors));
+        }
+    }
 
     QString folder(const QString &name) const { return m_work->filePath(name); }
 
@@ -158,6 +188,68 @@ private Q_SLOTS:
         QVERIFY(QFileInfo::exists(folder(u"dumps/themes.csv"_s)));
         QVERIFY(!QFileInfo::exists(folder(u"dumps/colors.csv"_s)));
         QVERIFY(!QFileInfo::exists(folder(u"dumps/colors.csv.gz"_s)));
+    }
+
+    void anHtmlPageInPlaceOfADumpExitsWithTheDecompressionSentence()
+    {
+        serveSmallDumps();
+        m_server->serveBytes(urlPath(u"sets"_s), "<!DOCTYPE html><html><body>Service Unavailable</body></html>", 200,
+                             {{"Content-Type", "text/html"}});
+        const Run result = fetch({folder(u"dumps"_s)});
+        QCOMPARE(result.exitCode, 1);
+        QVERIFY2(result.errors.contains(u"rebrickable-fetch: Failed to decompress sets.csv.gz"_s), qPrintable(result.errors));
+        QVERIFY(!result.output.contains(u"Unpacked"_s));
+        QVERIFY(QFileInfo::exists(folder(u"dumps/minifigs.csv"_s)));
+        QVERIFY(!QFileInfo::exists(folder(u"dumps/sets.csv"_s)));
+        QVERIFY(!QFileInfo::exists(folder(u"dumps/sets.csv.gz"_s)));
+        QCOMPARE(m_server->requestCount(urlPath(u"inventories"_s)), 0);
+    }
+
+    void anEmptyDumpExitsWithTheDecompressionSentence()
+    {
+        serveSmallDumps();
+        m_server->serveBytes(urlPath(u"parts"_s), QByteArray());
+        const Run result = fetch({folder(u"dumps"_s)});
+        QCOMPARE(result.exitCode, 1);
+        QVERIFY2(result.errors.contains(u"rebrickable-fetch: Failed to decompress parts.csv.gz"_s), qPrintable(result.errors));
+        QVERIFY(QFileInfo::exists(folder(u"dumps/part_categories.csv"_s)));
+        QVERIFY(!QFileInfo::exists(folder(u"dumps/parts.csv"_s)));
+        QCOMPARE(m_server->requestCount(urlPath(u"part_relationships"_s)), 0);
+    }
+
+    void aRedirectLoopExitsSayingSo()
+    {
+        serveSmallDumps();
+        m_server->serveBytes(urlPath(u"colors"_s), QByteArray(), 301,
+                             {{"Location", m_server->url(urlPath(u"colors"_s)).toEncoded()}});
+        const Run result = fetch({folder(u"dumps"_s)});
+        QCOMPARE(result.exitCode, 1);
+        QVERIFY2(result.errors.contains(u"The server at 127.0.0.1 kept redirecting the request in a loop."_s),
+                 qPrintable(result.errors));
+    }
+
+    void credentialsInTheHostsAddressAreNeverPrinted()
+    {
+        serveSmallDumps(u"/x"_s);
+        m_server->serveBytes(u"/x"_s + urlPath(u"themes"_s), QByteArray(), 302,
+                             {{"Location", m_server->url(u"/x"_s + urlPath(u"themes"_s)).toEncoded()}});
+        const Run looped = fetch({folder(u"dumps"_s)}, addressWithSecrets());
+        QCOMPARE(looped.exitCode, 1);
+        QVERIFY2(looped.output.contains(m_server->baseUrl().toString() + u"/x/media/downloads/NAME.csv.gz"_s),
+                 qPrintable(looped.output));
+        verifyNoSecretIn(looped);
+
+        const Run checked = fetch({u"--check"_s}, addressWithSecrets());
+        QVERIFY2(checked.exitCode == 0, qPrintable(checked.errors));
+        QVERIFY2(checked.output.contains(u"Checking "_s + m_server->baseUrl().toString() + u"/x/media/downloads/sets.csv.gz\n"_s),
+                 qPrintable(checked.output));
+        verifyNoSecretIn(checked);
+
+        m_server->close();
+        const Run refused = fetch({folder(u"dumps"_s)}, addressWithSecrets());
+        QCOMPARE(refused.exitCode, 1);
+        QVERIFY2(refused.errors.contains(u"rebrickable-fetch: "_s), qPrintable(refused.errors));
+        verifyNoSecretIn(refused);
     }
 
     void anUnreachableHostExitsWithTheConnectionError()

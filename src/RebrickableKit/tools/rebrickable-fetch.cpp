@@ -4,6 +4,9 @@
 // or whatever TESSALOOM_ENDPOINTS names for "rebrickable".
 //
 // rebrickable-fetch --check: only asks the host for the dumps' "Last-Modified" header.
+//
+// Addresses are printed without user information, query or fragment: the base URL may
+// carry credentials or a key, and this output ends up in logs and bug reports.
 
 #include <RebrickableKit/CancellationError.h>
 #include <RebrickableKit/DownloadError.h>
@@ -45,7 +48,7 @@ QString describe(const std::exception_ptr &failure)
     } catch (const DownloadError &error) {
         return error.description();
     } catch (const TransportError &error) {
-        return error.description() + u" ("_s + error.url().toDisplayString() + u')';
+        return error.description() + u" ("_s + TransportError::displayAddress(error.url()) + u')';
     } catch (const FileOperationError &error) {
         return error.description();
     } catch (const CancellationError &error) {
@@ -72,7 +75,7 @@ std::pair<std::optional<T>, std::exception_ptr> runToEnd(QCoro::Task<T> task)
 int check(const QUrl &baseUrl)
 {
     RebrickableDownloader downloader(QDir::tempPath(), baseUrl);
-    out() << "Checking " << downloader.downloadUrl(u"sets"_s).toDisplayString() << Qt::endl;
+    out() << "Checking " << TransportError::displayAddress(downloader.downloadUrl(u"sets"_s)) << Qt::endl;
     const auto [result, failure] = runToEnd(downloader.checkForUpdates(std::nullopt));
     if (failure)
         return fail(describe(failure));
@@ -90,7 +93,7 @@ int fetch(const QString &directory, const QUrl &baseUrl)
 
     RebrickableDownloader downloader(directory, baseUrl);
     out() << "Downloading the catalog dumps from "
-          << downloader.downloadUrl(u"NAME"_s).toDisplayString() << Qt::endl
+          << TransportError::displayAddress(downloader.downloadUrl(u"NAME"_s)) << Qt::endl
           << "into " << QDir(directory).absolutePath() << Qt::endl;
 
     QElapsedTimer clock;
