@@ -21,10 +21,20 @@ public:
         migrationFailed,
         queryFailed,
         saveFailed,
+        // Added later than the kinds above; their numbers follow so that a kind logged by
+        // an older build still means the same.
+        pathIsFolder,
+        unreadable,
+        damaged,
+        foreignFile,
+        newerVersion,
     };
 
     StoreError(Kind kind, QString detail, int sqliteCode = 0);
     static StoreError fromDatabase(Kind kind, sqlite3 *database);
+    // "(<path>) <message>": the detail of an error about one file, so every line that
+    // reports it names the file.
+    static QString detailFor(const QString &path, const QString &message);
 
     Kind kind() const { return m_kind; }
     int sqliteCode() const { return m_sqliteCode; }
