@@ -87,8 +87,9 @@ std::unique_ptr<PersistentContainer> PersistentContainer::open(const QString &pa
     StoreConnection &anchor = *container->m_anchor;
     if (!inMemory) {
         checkWritableDatabase(anchor, path);
-        // The read-only look saw the main file alone; this connection also sees what a
-        // WAL beside it holds. Judged again, still before the first write.
+        // Without a WAL beside it the read-only look saw the main file alone; this
+        // connection sees everything a WAL or journal holds. Judged again, still before
+        // the first write.
         StoreFileInspector::identify(anchor.handle(), path);
         try {
             // WAL: readers never wait for a writer, and a commit is one append, so a crash

@@ -21,8 +21,7 @@ public:
         migrationFailed,
         queryFailed,
         saveFailed,
-        // Added later than the kinds above; their numbers follow so that a kind logged by
-        // an older build still means the same.
+        // New kinds go last, so that the numbers of the kinds above stay as they were.
         pathIsFolder,
         unreadable,
         damaged,
