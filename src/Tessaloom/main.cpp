@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Views/StoreOpenFailureDialog.h"
 #include "Views/TessaloomApp.h"
 #include "Views/TranslationLoader.h"
 
@@ -40,6 +41,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(QStringLiteral(TESSALOOM_VERSION));
     QApplication::setDesktopFileName(u"com.tessaloom.app"_s);
     TranslationLoader::install(application, QLocale());
+    StoreOpenFailureDialog::install();
 
     TessaloomApp tessaloom;
     tessaloom.showMainWindow();

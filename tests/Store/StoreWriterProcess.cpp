@@ -4,10 +4,17 @@
 //   StoreWriterProcess write <path> <copies>   commits 10 copies, prints "baseline", then
 //                                              prints "saving" and saves <copies> more in
 //                                              one save, and prints "saved"
+//   StoreWriterProcess commit-point <path> <copies> <moment>
+//                                              like write, but the large save stops inside
+//                                              its COMMIT at <moment> (see CommitPointShim),
+//                                              prints "blocked <moment>" and waits to be
+//                                              killed
 //   StoreWriterProcess open-shared             opens the shared store as start-up does,
 //                                              and prints "opened" if that did not end it
 //   StoreWriterProcess open <path>             opens the store at <path>; on failure
 //                                              prints "kind=<n> <error>" to stderr, exit 2
+
+#include "CommitPointShim.h"
 
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistenceController.h"
@@ -66,7 +73,16 @@ int main(int argc, char *argv[])
             return 2;
         }
     }
-    if (arguments.size() >= 4 && arguments[1] == u"write"_s) {
+    const bool stopInsideCommit = arguments.size() >= 5 && arguments[1] == u"commit-point"_s;
+    if ((arguments.size() >= 4 && arguments[1] == u"write"_s) || stopInsideCommit) {
+        CommitPointShim::Moment moment{};
+        if (stopInsideCommit) {
+            if (!CommitPointShim::parseMoment(argv[4], moment)) {
+                std::fprintf(stderr, "unknown moment %s\n", argv[4]);
+                return 1;
+            }
+            CommitPointShim::install();
+        }
         try {
             auto controller = PersistenceController::open(arguments[2]);
             auto &context = controller->container().viewContext();
@@ -75,6 +91,8 @@ int main(int argc, char *argv[])
             say("baseline");
             addCopies(context, arguments[3].toInt());
             say("saving");
+            if (stopInsideCommit)
+                CommitPointShim::arm(moment);
             context.save();
             say("saved");
             return 0;
@@ -83,6 +101,7 @@ int main(int argc, char *argv[])
             return 2;
         }
     }
-    std::fprintf(stderr, "usage: StoreWriterProcess write <path> <copies> | open <path> | open-shared\n");
+    std::fprintf(stderr, "usage: StoreWriterProcess write <path> <copies> | commit-point <path> <copies> <moment> | open <path> "
+                         "| open-shared\n");
     return 1;
 }

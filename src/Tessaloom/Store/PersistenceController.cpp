@@ -31,6 +31,12 @@ QString errorDetails(const StoreError &error, const QString &path)
     return u"{path: \"%1\", sqliteCode: %2}"_s.arg(QDir::toNativeSeparators(path)).arg(error.sqliteCode());
 }
 
+PersistenceController::LoadFailurePresenter &loadFailurePresenter()
+{
+    static PersistenceController::LoadFailurePresenter presenter;
+    return presenter;
+}
+
 } // namespace
 
 PersistenceController::PersistenceController(std::unique_ptr<PersistentContainer> container)
@@ -70,8 +76,21 @@ QString PersistenceController::unresolvedErrorText(const StoreError &error, cons
     return u"Unresolved error "_s + error.description() + u", "_s + errorDetails(error, path);
 }
 
+void PersistenceController::setLoadFailurePresenter(LoadFailurePresenter presenter)
+{
+    loadFailurePresenter() = std::move(presenter);
+}
+
 void PersistenceController::failToLoad(const StoreError &error, const QString &path)
 {
+    if (const LoadFailurePresenter &presenter = loadFailurePresenter()) {
+        // Whatever goes wrong while telling the user, the program still ends as below.
+        try {
+            presenter(error, path);
+        } catch (...) {
+            qCWarning(lcPersistence) << "Showing why the collection store did not open failed";
+        }
+    }
     qCCritical(lcPersistence).noquote() << loadFailureLogText(error, path);
     qFatal("%s", qUtf8Printable(unresolvedErrorText(error, path)));
 }

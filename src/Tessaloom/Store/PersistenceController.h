@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 // Owns the collection store. The application opens it once, before any window, through
@@ -29,8 +30,14 @@ public:
     // "<application data>/Tessaloom/Tessaloom.sqlite".
     static QString defaultStorePath();
 
-    // Logs "Failed to load persistent stores: <error>, <details>" on the persistence
-    // category and ends the program with "Unresolved error <error>, <details>".
+    // Shows the user why the store did not open, before the program ends. The store knows
+    // no widgets: the application installs one (a dialog) before it first opens the store.
+    using LoadFailurePresenter = std::function<void(const StoreError &error, const QString &path)>;
+    static void setLoadFailurePresenter(LoadFailurePresenter presenter);
+
+    // Calls the failure presenter, if one is installed, then logs "Failed to load
+    // persistent stores: <error>, <details>" on the persistence category and ends the
+    // program with "Unresolved error <error>, <details>".
     [[noreturn]] static void failToLoad(const StoreError &error, const QString &path);
     // The two texts of failToLoad(), for the log and for the fatal end.
     static QString loadFailureLogText(const StoreError &error, const QString &path);

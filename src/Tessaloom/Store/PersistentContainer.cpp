@@ -5,6 +5,7 @@
 #include "Store/ManagedObjectContext.h"
 #include "Store/StoreConnection.h"
 #include "Store/StoreError.h"
+#include "Store/StoreFileInspector.h"
 #include "Store/StoreSchema.h"
 
 #include <QDir>
@@ -19,7 +20,7 @@ namespace {
 
 QString describePath(const QString &path, const QString &message)
 {
-    return u"(%1) %2"_s.arg(QDir::toNativeSeparators(path), message);
+    return StoreError::detailFor(path, message);
 }
 
 // Checks that the file is a database this process may write, before anything writes to
@@ -67,10 +68,12 @@ std::unique_ptr<PersistentContainer> PersistentContainer::open(const QString &pa
             throw StoreError(StoreError::Kind::directoryNotCreatable,
                              describePath(path, u"The folder %1 could not be created."_s.arg(folder)));
         }
+        // Before anything can write: a file that is not ours is refused as it is.
+        StoreFileInspector::inspect(path);
+        const QFileInfo file(path);
+        if (file.exists() && !file.isWritable())
+            throw StoreError(StoreError::Kind::readOnly, describePath(path, u"The file is read-only."_s), SQLITE_READONLY);
     }
-    const QFileInfo file(path);
-    if (!inMemory && file.exists() && !file.isWritable())
-        throw StoreError(StoreError::Kind::readOnly, describePath(path, u"The file is read-only."_s), SQLITE_READONLY);
     try {
         container->m_anchor = std::make_unique<StoreConnection>(path, inMemory, true);
     } catch (const StoreError &error) {
@@ -84,6 +87,10 @@ std::unique_ptr<PersistentContainer> PersistentContainer::open(const QString &pa
     StoreConnection &anchor = *container->m_anchor;
     if (!inMemory) {
         checkWritableDatabase(anchor, path);
+        // Without a WAL beside it the read-only look saw the main file alone; this
+        // connection sees everything a WAL or journal holds. Judged again, still before
+        // the first write.
+        StoreFileInspector::identify(anchor.handle(), path);
         try {
             // WAL: readers never wait for a writer, and a commit is one append, so a crash
             // leaves the last commit either whole or absent.

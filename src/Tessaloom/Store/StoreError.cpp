@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Store/StoreError.h"
 
+#include <QDir>
+
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
@@ -16,6 +18,11 @@ StoreError::StoreError(Kind kind, QString detail, int sqliteCode)
 StoreError StoreError::fromDatabase(Kind kind, sqlite3 *database)
 {
     return StoreError(kind, QString::fromUtf8(sqlite3_errmsg(database)), sqlite3_extended_errcode(database));
+}
+
+QString StoreError::detailFor(const QString &path, const QString &message)
+{
+    return u"(%1) %2"_s.arg(QDir::toNativeSeparators(path), message);
 }
 
 QString StoreError::sentence(Kind kind)
@@ -35,6 +42,16 @@ QString StoreError::sentence(Kind kind)
         return u"The collection store could not be read."_s;
     case Kind::saveFailed:
         return u"The changes could not be saved."_s;
+    case Kind::pathIsFolder:
+        return u"The place of the collection store file is taken by a folder."_s;
+    case Kind::unreadable:
+        return u"The collection store file cannot be read."_s;
+    case Kind::damaged:
+        return u"The collection store file is damaged."_s;
+    case Kind::foreignFile:
+        return u"The file in the place of the collection store belongs to another program."_s;
+    case Kind::newerVersion:
+        return u"The collection store was written by a newer version of Tessaloom."_s;
     }
     return {};
 }

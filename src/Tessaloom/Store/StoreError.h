@@ -21,10 +21,19 @@ public:
         migrationFailed,
         queryFailed,
         saveFailed,
+        // New kinds go last, so that the numbers of the kinds above stay as they were.
+        pathIsFolder,
+        unreadable,
+        damaged,
+        foreignFile,
+        newerVersion,
     };
 
     StoreError(Kind kind, QString detail, int sqliteCode = 0);
     static StoreError fromDatabase(Kind kind, sqlite3 *database);
+    // "(<path>) <message>": the detail of an error about one file, so every line that
+    // reports it names the file.
+    static QString detailFor(const QString &path, const QString &message);
 
     Kind kind() const { return m_kind; }
     int sqliteCode() const { return m_sqliteCode; }

@@ -192,19 +192,35 @@ int StoreSchema::latestVersion()
     return int(migrations.size());
 }
 
-int StoreSchema::userVersion(sqlite3 *database)
+namespace {
+
+qint64 pragmaValue(sqlite3 *database, const char *sql)
 {
     sqlite3_stmt *statement = nullptr;
-    if (sqlite3_prepare_v2(database, "PRAGMA user_version", -1, &statement, nullptr) != SQLITE_OK)
+    if (sqlite3_prepare_v2(database, sql, -1, &statement, nullptr) != SQLITE_OK)
         throw StoreError::fromDatabase(StoreError::Kind::openFailed, database);
-    int version = 0;
+    qint64 value = 0;
     const int result = sqlite3_step(statement);
     if (result == SQLITE_ROW)
-        version = sqlite3_column_int(statement, 0);
+        value = sqlite3_column_int64(statement, 0);
     sqlite3_finalize(statement);
     if (result != SQLITE_ROW)
         throw StoreError::fromDatabase(StoreError::Kind::openFailed, database);
-    return version;
+    return value;
+}
+
+const QByteArray markStatement = "PRAGMA application_id = " + QByteArray::number(StoreSchema::applicationId);
+
+} // namespace
+
+int StoreSchema::userVersion(sqlite3 *database)
+{
+    return int(pragmaValue(database, "PRAGMA user_version"));
+}
+
+qint32 StoreSchema::storedApplicationId(sqlite3 *database)
+{
+    return qint32(pragmaValue(database, "PRAGMA application_id"));
 }
 
 void StoreSchema::migrate(sqlite3 *database, int targetVersion)
@@ -212,16 +228,16 @@ void StoreSchema::migrate(sqlite3 *database, int targetVersion)
     const int target = targetVersion < 0 ? latestVersion() : std::min(targetVersion, latestVersion());
     int version = userVersion(database);
     if (version > latestVersion()) {
-        throw StoreError(StoreError::Kind::migrationFailed,
-                         u"The file was written by a newer version (schema %1, this version knows %2)."_s
-                             .arg(version)
-                             .arg(latestVersion()));
+        throw StoreError(StoreError::Kind::newerVersion,
+                         u"The file has schema version %1; this version knows up to %2."_s.arg(version).arg(
+                             latestVersion()));
     }
     while (version < target) {
         const int next = version + 1;
         execute(database, "BEGIN IMMEDIATE");
         try {
             execute(database, migrations[size_t(version)]);
+            execute(database, markStatement);
             execute(database, "PRAGMA user_version = " + QByteArray::number(next));
             execute(database, "COMMIT");
         } catch (...) {
@@ -230,5 +246,16 @@ void StoreSchema::migrate(sqlite3 *database, int targetVersion)
         }
         qCDebug(lcPersistence) << "Migrated the collection store to schema version" << next;
         version = next;
+    }
+    if (version > 0 && storedApplicationId(database) != applicationId) {
+        execute(database, "BEGIN IMMEDIATE");
+        try {
+            execute(database, markStatement);
+            execute(database, "COMMIT");
+        } catch (...) {
+            sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr);
+            throw;
+        }
+        qCDebug(lcPersistence) << "Marked the collection store with its application id";
     }
 }

@@ -50,11 +50,19 @@ public:
 
     static const Entity &entity(EntityType type);
 
+    // `PRAGMA application_id` of every collection store: "TSLM" in ASCII, read as a
+    // big-endian number. It tells our file from any other SQLite file at the same path
+    // (a catalog, another program's database) before anything writes to it.
+    static constexpr qint32 applicationId = 0x54534C4D;
+
     // The version a store has after every migration ran.
     static int latestVersion();
     // Runs the migrations above the file's user_version up to `targetVersion` (all of them
-    // by default), each in its own transaction together with its new user_version, so a
-    // crash leaves the file at one version or the next. Throws StoreError.
+    // by default), each in its own transaction together with its new user_version and the
+    // application id, so a crash leaves the file at one version or the next and a new file
+    // is never without the id. A store written before it carried the id gets it here.
+    // Throws StoreError.
     static void migrate(sqlite3 *database, int targetVersion = -1);
     static int userVersion(sqlite3 *database);
+    static qint32 storedApplicationId(sqlite3 *database);
 };

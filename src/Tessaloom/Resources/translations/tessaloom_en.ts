@@ -330,36 +330,100 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Favorite</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="storeFailure.unchanged.nothingCreated">
+        <source>Tessaloom has not changed or created any file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.unchanged.file">
+        <source>Tessaloom has not changed the file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.unchanged.collection">
+        <source>Tessaloom has not changed the collection kept in the file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.title">
+        <source>Tessaloom Cannot Open Your Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.headline">
+        <source>Tessaloom cannot open the file that holds your collection and has to quit.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.quit">
+        <source>Quit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.file.">
+        <source>File: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.directoryNotCreatable">
+        <source>The folder for the file could not be created.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.pathIsFolder">
+        <source>A folder stands where the file should be.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.unreadable">
+        <source>Tessaloom is not allowed to read the file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.readOnly">
+        <source>Tessaloom is not allowed to write to the file, or the disk it is on is read-only.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.notADatabase">
+        <source>The file is not a database. Something else may have been saved under its name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.damaged">
+        <source>The file is damaged: parts of it are missing or unreadable, for example because a copy of it stopped half-way.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.foreignFile">
+        <source>The file belongs to another program: it is a database, but not a Tessaloom collection.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.newerVersion">
+        <source>The file was written by a newer version of Tessaloom, which this version cannot read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.reason.other">
+        <source>The file could not be opened or brought up to date.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.advice.directoryNotCreatable">
+        <source>Make sure the folder can be created (a file with its name, a missing permission or a full disk can prevent it), then start Tessaloom again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.advice.pathIsFolder">
+        <source>Move or rename the folder, then start Tessaloom again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.advice.permissions">
+        <source>Give your user account permission to read and write the file, or restore it from a backup, then start Tessaloom again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.advice.foreignFile">
+        <source>Move the file to another folder (the program it belongs to may still need it), or restore your collection from a backup, then start Tessaloom again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.advice.newerVersion">
+        <source>Start the newer version of Tessaloom instead, or restore a backup made with this version, then start Tessaloom again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.advice.moveAside">
+        <source>Move the file to another folder or restore it from a backup, then start Tessaloom again. Without the file, Tessaloom starts with a new, empty collection.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="storeFailure.advice.other">
+        <source>Make sure the disk has free space and can be written to, then start Tessaloom again. If this message comes back, move the file to another folder or restore it from a backup.</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="update.error.unreachable">
         <source>The update information could not be fetched. Check your internet connection and try again later.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="catalogRestore.busy">
-        <source>The previous catalog can be restored once the catalog update under way has ended.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="catalogRestore.none">
-        <source>There is no previous catalog to restore.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="catalogRestore.unreadable">
-        <source>The previous catalog cannot be read either, so nothing was changed. Rebuild the catalog from Settings.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="catalogRestore.failed">
-        <source>The previous catalog could not be put back in place: %1</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="catalogRestore.done">
-        <source>The previous catalog is back in service: %1 sets.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="catalogStatus.restorePrevious">
-        <source>Restore the previous catalog</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="catalogStatus.liveCatalogBroken">
-        <source>The catalog in use holds no sets or cannot be read.</source>
         <translation type="unfinished"></translation>
     </message>
     <message id="catalogBuild.status.checking">
@@ -392,6 +456,34 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="catalogBuild.status.optimizing">
         <source>Optimizing...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.busy">
+        <source>The previous catalog can be restored once the catalog update under way has ended.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.none">
+        <source>There is no previous catalog to restore.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.unreadable">
+        <source>The previous catalog cannot be read either, so nothing was changed. Rebuild the catalog from Settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.failed">
+        <source>The previous catalog could not be put back in place: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogRestore.done">
+        <source>The previous catalog is back in service: %1 sets.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogStatus.restorePrevious">
+        <source>Restore the previous catalog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalogStatus.liveCatalogBroken">
+        <source>The catalog in use holds no sets or cannot be read.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
