@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// rebrickable-fetch as a process, pointed at a loopback server through TESSALOOM_ENDPOINTS.
+// rebrickable-fetch as a process, pointed at a loopback server through TESSALOOM_ENDPOINTS,
+// with dumps made in the test. RebrickableFetchToolFullDumpTest runs it on the full-size ones.
 #include "GzipTestFiles.h"
 #include "LoopbackHttpServer.h"
+#include "SmallDumpFiles.h"
 #include "TestEnvironment.h"
 
 #include <RebrickableKit/RebrickableDatabase.h>
@@ -91,14 +93,6 @@ private:
 
     QString folder(const QString &name) const { return m_work->filePath(name); }
 
-    void serveFullDumps()
-    {
-        const QString dumps = TestEnvironment::sharedDumpDirectory();
-        for (const QString &name : RebrickableDownloader::dumpNames())
-            m_server->serveFile(urlPath(name), dumps + u'/' + name + u".csv.gz"_s,
-                                {{"Last-Modified", "Thu, 02 Apr 2026 06:12:44 GMT"}});
-    }
-
 private Q_SLOTS:
     void initTestCase()
     {
@@ -119,11 +113,13 @@ private Q_SLOTS:
         m_work.reset();
     }
 
-    void fetchesAndUnpacksTheTwelveFullSizeDumpsWithProgress()
+    void fetchesAndUnpacksTheTwelveDumpsWithProgress()
     {
-        if (TestEnvironment::sharedDumpDirectory().isEmpty())
-            QSKIP("The full-size dumps are not beside the checkout");
-        serveFullDumps();
+        QVERIFY(QDir().mkpath(folder(u"served"_s)));
+        const SmallDumpFiles dumps(folder(u"served"_s));
+        QVERIFY(dumps.isValid());
+        for (const QString &name : RebrickableDownloader::dumpNames())
+            m_server->serveFile(urlPath(name), dumps.path(name), {{"Last-Modified", "Thu, 02 Apr 2026 06:12:44 GMT"}});
         const Run result = fetch({folder(u"dumps"_s)});
         QVERIFY2(result.exitCode == 0, qPrintable(result.errors));
         QVERIFY(result.output.contains(m_server->baseUrl().toString() + u"/media/downloads/"_s));
@@ -131,10 +127,10 @@ private Q_SLOTS:
         QVERIFY(result.output.contains(u"[10/12] inventory_parts.csv.gz"_s));
         QVERIFY(result.output.contains(u"[12/12] inventory_minifigs.csv.gz"_s));
         QVERIFY(result.output.contains(u"Unpacked 12 files"_s));
-        const QString dumps = TestEnvironment::sharedDumpDirectory();
         for (const QString &name : RebrickableDownloader::dumpNames()) {
-            const QFileInfo csv(folder(u"dumps/"_s + name + u".csv"_s));
-            QCOMPARE(csv.size(), GzipTestFiles::recordedUnpackedSize(dumps + u'/' + name + u".csv.gz"_s));
+            const QString csv = folder(u"dumps/"_s + name + u".csv"_s);
+            QCOMPARE(QFileInfo(csv).size(), GzipTestFiles::recordedUnpackedSize(dumps.path(name)));
+            QVERIFY2(GzipTestFiles::readAll(csv) == dumps.csv(name), qPrintable(name));
         }
         QCOMPARE(QDir(folder(u"dumps"_s)).entryList(QDir::Files).size(), 12);
         QCOMPARE(m_server->maximumInFlightRequests(), 1);
