@@ -37,6 +37,6 @@ if ((${#missing[@]})); then
 fi
 
 if [ ! -f "$build_dir/build.ninja" ]; then
-    cmake -S "$root" -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    cmake -S "$root" -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSALOOM_WARNINGS_AS_ERRORS=ON
 fi
 cmake --build "$build_dir" --parallel "$(nproc)"

@@ -18,12 +18,11 @@ QString withAddressReduced(QString message, const QUrl &url)
 {
     if (message.isEmpty() || url.isEmpty())
         return message;
+    // (QUrl refuses to give a whole address fully decoded; the readable form stands in.)
     QStringList spellings = {
         url.toString(),
         url.toString(QUrl::FullyEncoded),
-        url.toString(QUrl::FullyDecoded),
         url.toDisplayString(),
-        url.toDisplayString(QUrl::FullyDecoded),
     };
     std::sort(spellings.begin(), spellings.end(),
               [](const QString &left, const QString &right) { return left.size() > right.size(); });

@@ -31,7 +31,7 @@ QString stripByHand(QString address)
 QString AddressRedaction::redacted(const QUrl &url)
 {
     if (!url.isValid())
-        return stripByHand(url.toString(QUrl::FullyDecoded));
+        return stripByHand(url.toString());
     return url.toDisplayString(removeSecrets);
 }
 

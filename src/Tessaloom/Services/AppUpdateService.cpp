@@ -21,10 +21,13 @@ constexpr int feedTimeoutMilliseconds = 30'000;
 
 AppUpdateService &AppUpdateService::shared()
 {
-    static AppUpdateService *instance = new AppUpdateService(
-        Endpoints::baseUrl(Endpoints::Service::updates),
-        QVersionNumber::fromString(QCoreApplication::applicationVersion()),
-        QCoreApplication::instance());
+    static AppUpdateService *instance = [] {
+        auto *service = new AppUpdateService(Endpoints::baseUrl(Endpoints::Service::updates),
+                                             QVersionNumber::fromString(QCoreApplication::applicationVersion()),
+                                             QCoreApplication::instance());
+        qCInfo(lcNetwork).noquote() << "Update service ready; feed" << AddressRedaction::redacted(service->feedUrl());
+        return service;
+    }();
     return *instance;
 }
 

@@ -11,6 +11,7 @@ NetworkMonitor &NetworkMonitor::shared()
     static NetworkMonitor *instance = [] {
         auto *monitor = new NetworkMonitor(QCoreApplication::instance());
         monitor->startWatching();
+        qCInfo(lcNetwork) << "Network monitor started";
         return monitor;
     }();
     return *instance;

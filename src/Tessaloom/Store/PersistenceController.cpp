@@ -51,7 +51,11 @@ PersistenceController::PersistenceController(bool inMemory)
 
 PersistenceController &PersistenceController::shared()
 {
-    static PersistenceController instance(false);
+    static PersistenceController instance = [] {
+        PersistenceController opened(false);
+        qCInfo(lcPersistence).noquote() << "Collection store opened:" << QDir::toNativeSeparators(defaultStorePath());
+        return opened;
+    }();
     return instance;
 }
 

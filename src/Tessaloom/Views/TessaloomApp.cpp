@@ -22,9 +22,24 @@ const QString hasRegisteredDefaultsKey = u"hasRegisteredDefaults"_s;
 const QString preferredCurrencyKey = u"preferredCurrency"_s;
 } // namespace
 
+// Each shared object is taken in a statement of its own: as arguments of one call they would
+// be created in whatever order the compiler chose.
+TessaloomApp::SharedObjects TessaloomApp::obtainSharedObjects()
+{
+    PersistenceController &persistenceController = PersistenceController::shared(); // a failure ends here
+    NetworkMonitor::shared();
+    AppUpdateService &updateService = AppUpdateService::shared();
+    CatalogDatabaseService &catalogService = CatalogDatabaseService::shared();
+    return {persistenceController, catalogService, updateService};
+}
+
 TessaloomApp::TessaloomApp(QObject *parent)
-    : TessaloomApp(PersistenceController::shared(), CatalogDatabaseService::shared(), AppUpdateService::shared(),
-                   parent)
+    : TessaloomApp(obtainSharedObjects(), parent)
+{
+}
+
+TessaloomApp::TessaloomApp(const SharedObjects &objects, QObject *parent)
+    : TessaloomApp(objects.persistenceController, objects.catalogService, objects.updateService, parent)
 {
 }
 

@@ -52,6 +52,17 @@ Q_SIGNALS:
     void dailyCatalogCheckFinished(bool startedBuild);
 
 private:
+    struct SharedObjects
+    {
+        PersistenceController &persistenceController;
+        CatalogDatabaseService &catalogService;
+        AppUpdateService &updateService;
+    };
+    // Start-up's order, fixed by the order of statements: the store (whose failure ends the
+    // program), the network monitor, the update service; the catalog service after them.
+    static SharedObjects obtainSharedObjects();
+    TessaloomApp(const SharedObjects &objects, QObject *parent);
+
     void openCatalogGate();
     QCoro::Task<> runDailyCatalogCheck();
 
