@@ -11,6 +11,9 @@ namespace ToolConsole {
 constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
+// The work completed, but what it read was not as expected: rebrickable-build-db when rows
+// were refused or a dump's header differs, unless it was told to be lenient.
+constexpr int exitDumpProblems = 3;
 
 QTextStream &out();
 QTextStream &err();
