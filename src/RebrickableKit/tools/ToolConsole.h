@@ -11,8 +11,8 @@ namespace ToolConsole {
 constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
-// The work completed, but what it read was not as expected: rebrickable-build-db when rows
-// were refused or a dump's header differs, unless it was told to be lenient.
+// The work completed, but what it read was not as expected: rebrickable-build-db when a
+// table isn't clean (rows refused, a header differs, a broken quote), unless told to be lenient.
 constexpr int exitDumpProblems = 3;
 
 QTextStream &out();

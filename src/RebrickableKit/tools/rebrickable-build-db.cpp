@@ -4,9 +4,9 @@
 // OUTPUT only when complete, so a failed or interrupted run never leaves a broken OUTPUT.
 //
 // It prints how many rows of each dump were read, stored and refused. A build in which a
-// table refused rows or a dump's header lacks expected columns counts as failed (exit 3,
-// OUTPUT left as it was), since it most likely comes from a damaged dump; --lenient
-// accepts it, as the application does.
+// table isn't clean (rows refused, a header lacking expected columns, the signs of a broken
+// quote; see TableImportReport) counts as failed (exit 3, OUTPUT left as it was), since it
+// most likely comes from a damaged dump; --lenient accepts it, as the application does.
 
 #include <RebrickableKit/BuildReport.h>
 #include <RebrickableKit/CancellationError.h>
@@ -113,15 +113,16 @@ int main(int argc, char *argv[])
     parser.setApplicationDescription(
         u"Builds the catalog database from the twelve unpacked Rebrickable dumps and prints how many rows of each "
         "were read, stored and refused.\n"
-        "Exit status: 0 built, 1 failed, 2 wrong arguments, 3 built but rows were refused or a header differs "
-        "from the expected columns (OUTPUT left as it was; see --lenient)."_s);
+        "Exit status: 0 built, 1 failed, 2 wrong arguments, 3 built but rows were refused, a header differs "
+        "from the expected columns or a dump shows signs of a broken quote (OUTPUT left as it was; see --lenient)."_s);
     parser.addHelpOption();
     parser.addPositionalArgument(u"CSV_DIR"_s, u"Folder holding themes.csv, colors.csv, … inventory_minifigs.csv"_s);
     parser.addPositionalArgument(u"OUTPUT"_s, u"The database file to write, such as rebrickable.sqlite"_s);
     const QCommandLineOption lenientOption(
         u"lenient"_s,
-        u"Accept a build in which rows were refused or a dump's header differs from the expected columns, and "
-        "write OUTPUT anyway. Without it such a build fails with exit status 3 and OUTPUT is left as it was."_s);
+        u"Accept a build in which rows were refused, a dump's header differs from the expected columns or a dump "
+        "shows signs of a broken quote, and write OUTPUT anyway. Without it such a build fails with exit status 3 "
+        "and OUTPUT is left as it was."_s);
     parser.addOption(lenientOption);
     parser.process(application);
 
@@ -154,8 +155,8 @@ int main(int argc, char *argv[])
     if (!report.isClean() && !parser.isSet(lenientOption)) {
         QFile::remove(buildingPath);
         ToolConsole::fail(u"rebrickable-build-db"_s,
-                          u"Rows were refused or a header differs from the expected columns (see above); "
-                          "most likely a dump is damaged. "_s
+                          u"Rows were refused, a header differs from the expected columns or a dump shows signs of "
+                          "a broken quote (see above); most likely a dump is damaged. "_s
                           + outputPath + u" was left as it was; --lenient writes it anyway."_s);
         return exitDumpProblems;
     }
