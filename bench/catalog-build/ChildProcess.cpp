@@ -50,6 +50,8 @@ ChildProcess::Result ChildProcess::run(const QString &program, const QStringList
         return result;
     result.wallSeconds = double(timer.nsecsElapsed()) / 1e9;
     result.peakRssMegabytes = double(usage.ru_maxrss) / 1024.0; // Linux reports KiB
+    result.cpuSeconds = double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
+        + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return result;
 }

@@ -4,8 +4,8 @@
 #include <QString>
 #include <QStringList>
 
-// Runs a program to its end and measures it from outside: wall time and the peak resident
-// memory that the kernel recorded for it. QProcess can't tell the latter, wait4() can.
+// Runs a program to its end and measures it from outside: wall time, processor time and the
+// peak resident memory that the kernel recorded for it. QProcess can't tell the latter, wait4() can.
 class ChildProcess
 {
 public:
@@ -13,6 +13,8 @@ public:
         int exitCode = -1;
         double wallSeconds = 0;
         double peakRssMegabytes = 0;
+        // User plus system time: on a busy machine far steadier than the wall time.
+        double cpuSeconds = 0;
     };
 
     // stdinPath, when given, becomes the child's standard input. Its standard output and

@@ -25,6 +25,12 @@ constexpr auto specialBytes = [] {
     return table;
 }();
 
+bool containsLineBreak(const char *bytes, qsizetype length)
+{
+    return length > 0
+        && (std::memchr(bytes, lineFeed, size_t(length)) || std::memchr(bytes, carriageReturn, size_t(length)));
+}
+
 } // namespace
 
 CSVTokenizer::CSVTokenizer(RowHandler onRow)
@@ -43,6 +49,8 @@ void CSVTokenizer::feed(QByteArrayView bytes)
 
 void CSVTokenizer::finish()
 {
+    // A quote that is the text's last byte closed its field.
+    m_endedInsideQuotes = m_inQuotes && !m_quotePending;
     // Bytes after the last field start, or a row that already has fields (the text ended
     // right after a comma), make a last row. Right after a line break there is none.
     if (m_position > m_fieldStart || !m_fields.empty()) {
@@ -56,6 +64,7 @@ void CSVTokenizer::finish()
     m_sawQuote = false;
     m_quotePending = false;
     m_skipLineFeed = false;
+    m_rowSpansLines = false;
 }
 
 void CSVTokenizer::scan()
@@ -81,11 +90,16 @@ void CSVTokenizer::scan()
         }
         if (m_inQuotes) {
             const void *found = std::memchr(data + m_position, quote, size_t(size - m_position));
+            const qsizetype quotedEnd = found ? static_cast<const char *>(found) - data : size;
+            // Only quoted bytes are searched, and only until the row's first line break in
+            // them: dumps without quotes pay nothing.
+            if (!m_rowSpansLines)
+                m_rowSpansLines = containsLineBreak(data + m_position, quotedEnd - m_position);
             if (!found) {
                 m_position = size;
                 break;
             }
-            m_position = static_cast<const char *>(found) - data + 1;
+            m_position = quotedEnd + 1;
             m_quotePending = true;
             continue;
         }
@@ -161,6 +175,7 @@ void CSVTokenizer::endRow()
     m_onRow(std::span<const std::string_view>(m_views));
     m_fields.clear();
     m_scratch.clear();
+    m_rowSpansLines = false;
 }
 
 void CSVTokenizer::discardConsumedBytes()

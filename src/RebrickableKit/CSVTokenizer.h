@@ -33,6 +33,13 @@ public:
     // quote is accepted and its field runs to the end.
     void finish();
 
+    // Whether the row being handed on holds a line break inside quotes, so that it took
+    // more than one line of the text. Meant to be asked from within the row handler.
+    bool rowSpansLines() const { return m_rowSpansLines; }
+    // Whether the text given to the last finish() ended inside quotes: its last field ran
+    // to the end of the text.
+    bool endedInsideQuotes() const { return m_endedInsideQuotes; }
+
 private:
     struct FieldRef {
         qsizetype offset;
@@ -56,6 +63,8 @@ private:
     bool m_quotePending = false;
     // A CR ended the last row; an LF right after it belongs to the same line break.
     bool m_skipLineFeed = false;
+    bool m_rowSpansLines = false;
+    bool m_endedInsideQuotes = false;
     std::vector<FieldRef> m_fields;
     // Unquoted copies of the current row's quoted fields.
     QByteArray m_scratch;

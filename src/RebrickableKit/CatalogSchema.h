@@ -3,6 +3,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace RebrickableKit {
 
@@ -31,6 +32,9 @@ public:
         int leastFields = 0;
         // By field position, in the order of the INSERT's parameters.
         QList<Column> columns;
+        // The names the dump's header carries for those fields, in the same order. Rows are
+        // read by position only; the names serve to notice a dump whose columns changed.
+        QStringList headerColumns;
 
         QString fileName() const;
     };

@@ -18,7 +18,8 @@ namespace RebrickableKit {
 
 namespace {
 
-// Step timings are debug messages, off unless asked for (QT_LOGGING_RULES).
+// Step timings are debug messages, off unless asked for (QT_LOGGING_RULES). Tables that
+// aren't clean are warnings.
 Q_LOGGING_CATEGORY(lcCatalogBuild, "com.tessaloom.app.catalogDB", QtInfoMsg)
 
 void throwIfCancelled(const std::stop_token &stopToken)
@@ -69,8 +70,21 @@ RebrickableDatabaseBuilder::BuildPhase RebrickableDatabaseBuilder::BuildPhase::v
     return phase;
 }
 
-void RebrickableDatabaseBuilder::build(const QString &csvDirectory, const QString &outputPath,
-                                       const ProgressHandler &progress, std::stop_token stopToken)
+BuildReport RebrickableDatabaseBuilder::build(const QString &csvDirectory, const QString &outputPath,
+                                              const ProgressHandler &progress, std::stop_token stopToken)
+{
+    return run(csvDirectory, outputPath, progress, stopToken, true);
+}
+
+void RebrickableDatabaseBuilder::buildWithoutRowAccounting(const QString &csvDirectory, const QString &outputPath,
+                                                           const ProgressHandler &progress, std::stop_token stopToken)
+{
+    run(csvDirectory, outputPath, progress, stopToken, false);
+}
+
+BuildReport RebrickableDatabaseBuilder::run(const QString &csvDirectory, const QString &outputPath,
+                                            const ProgressHandler &progress, const std::stop_token &stopToken,
+                                            bool countRows)
 {
     QElapsedTimer buildTimer;
     buildTimer.start();
@@ -87,6 +101,7 @@ void RebrickableDatabaseBuilder::build(const QString &csvDirectory, const QStrin
     connection.execute(u"PRAGMA temp_store=MEMORY"_s);
     connection.execute(CatalogSchema::schemaScript());
 
+    BuildReport buildReport;
     const QDir directory(csvDirectory);
     const double total = CatalogSchema::totalExpectedRows();
     double done = 0;
@@ -94,7 +109,15 @@ void RebrickableDatabaseBuilder::build(const QString &csvDirectory, const QStrin
         throwIfCancelled(stopToken);
         report(progress, BuildPhase::importing(table.tableName, done / total));
         stepTimer.start();
-        TableImporter::importTable(connection, table, directory.filePath(table.fileName()));
+        const QString csvPath = directory.filePath(table.fileName());
+        if (countRows) {
+            const TableImportReport tableReport = TableImporter::importTable(connection, table, csvPath);
+            if (!tableReport.isClean())
+                qCWarning(lcCatalogBuild, "%s", qUtf8Printable(tableReport.summary()));
+            buildReport.tables.append(tableReport);
+        } else {
+            TableImporter::importTableUncounted(connection, table, csvPath);
+        }
         qCDebug(lcCatalogBuild, "Imported %s in %lld ms", qUtf8Printable(table.tableName), stepTimer.elapsed());
         done += table.expectedRows;
     }
@@ -124,6 +147,7 @@ void RebrickableDatabaseBuilder::build(const QString &csvDirectory, const QStrin
     const QFileInfo output(outputPath);
     const qint64 fileSize = output.exists() ? output.size() : 0;
     report(progress, BuildPhase::complete(fileSize, duration));
+    return buildReport;
 }
 
 } // namespace RebrickableKit

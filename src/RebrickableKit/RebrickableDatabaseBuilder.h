@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "BuildReport.h"
+
 #include <QString>
 
 #include <functional>
@@ -42,8 +44,22 @@ public:
     // SQLiteError, CSVFileError, and CancellationError when a stop was requested: that is
     // looked at before each table and before the indexes, never in the middle of a step.
     // On an error nothing is cleaned up: the file at outputPath is the caller's to remove.
-    static void build(const QString &csvDirectory, const QString &outputPath,
-                      const ProgressHandler &progress = {}, std::stop_token stopToken = {});
+    //
+    // Rows that a table refuses never make the build fail; they are passed over. What
+    // became of each table's rows comes back in the report, and each table that isn't
+    // clean (see TableImportReport) gets one warning line in the log, so that a damaged
+    // dump doesn't go unnoticed. Whether to accept such a catalog is the caller's choice.
+    static BuildReport build(const QString &csvDirectory, const QString &outputPath,
+                             const ProgressHandler &progress = {}, std::stop_token stopToken = {});
+
+    // The same build without the row accounting and without its warnings; the report has
+    // no tables. Only there to measure what the accounting costs.
+    static void buildWithoutRowAccounting(const QString &csvDirectory, const QString &outputPath,
+                                          const ProgressHandler &progress = {}, std::stop_token stopToken = {});
+
+private:
+    static BuildReport run(const QString &csvDirectory, const QString &outputPath, const ProgressHandler &progress,
+                           const std::stop_token &stopToken, bool countRows);
 };
 
 } // namespace RebrickableKit

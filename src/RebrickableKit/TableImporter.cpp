@@ -117,8 +117,28 @@ bool TableImporter::bindRow(SQLiteStatement &statement, const CatalogSchema::Imp
     return true;
 }
 
-void TableImporter::importTable(SQLiteConnection &connection, const CatalogSchema::ImportTable &table,
-                                const QString &csvPath)
+namespace {
+
+// The header's fields against the names the table expects at each place. Extra columns
+// after the expected ones are no difference; a missing or renamed one is.
+QStringList missingHeaderColumns(const CatalogSchema::ImportTable &table, std::span<const std::string_view> header)
+{
+    static constexpr std::string_view byteOrderMark("\xEF\xBB\xBF");
+    QStringList missing;
+    for (qsizetype index = 0; index < table.headerColumns.size(); ++index) {
+        const QString &expected = table.headerColumns.at(index);
+        std::string_view field = index < qsizetype(header.size()) ? header[size_t(index)] : std::string_view();
+        if (index == 0 && field.starts_with(byteOrderMark))
+            field.remove_prefix(byteOrderMark.size());
+        if (index >= qsizetype(header.size()) || QString::fromUtf8(field.data(), qsizetype(field.size())) != expected)
+            missing.append(expected);
+    }
+    return missing;
+}
+
+template <bool counted>
+TableImportReport importRows(SQLiteConnection &connection, const CatalogSchema::ImportTable &table,
+                             const QString &csvPath)
 {
     QFile file(csvPath);
     if (!file.exists())
@@ -129,25 +149,61 @@ void TableImporter::importTable(SQLiteConnection &connection, const CatalogSchem
     connection.execute(u"BEGIN TRANSACTION"_s);
     SQLiteStatement statement = connection.prepare(table.insertStatement);
     const StatementGuard guard(statement);
+    sqlite3 *const database = connection.handle();
+
+    TableImportReport report;
+    report.tableName = table.tableName;
+    report.missingColumns = table.headerColumns; // until a header shows otherwise
+    // Only elements.csv may leave out its last column altogether.
+    const bool lastColumnMayBeMissing = table.leastFields < table.columns.size();
+    size_t headerFieldCount = 0;
+    const CSVTokenizer *source = nullptr;
 
     bool isHeader = true;
     CSVTokenizer tokenizer([&](std::span<const std::string_view> fields) {
         if (isHeader) {
-            isHeader = false; // read by position only: the header is never looked at
+            // Rows are read by position only; the header is looked at just to tell whether
+            // the dump still has the columns its table expects.
+            isHeader = false;
+            if constexpr (counted) {
+                report.missingColumns = missingHeaderColumns(table, fields);
+                headerFieldCount = fields.size();
+            }
             return;
         }
-        if (!bindRow(statement, table, fields))
+        if constexpr (counted) {
+            ++report.rowsRead;
+            if (fields.size() != headerFieldCount && !(lastColumnMayBeMissing && fields.size() + 1 == headerFieldCount))
+                ++report.rowsWithOtherFieldCount;
+            if (source->rowSpansLines())
+                ++report.rowsSpanningLines;
+        }
+        if (!TableImporter::bindRow(statement, table, fields)) {
+            if constexpr (counted)
+                ++report.rowsRefusedByRules;
             return;
-        // The result is deliberately not looked at: a row that breaks a constraint (a
-        // repeated key) simply isn't stored, and the import goes on.
-        sqlite3_step(statement.handle());
+        }
+        // A row that breaks a constraint (a repeated key) simply isn't stored, and the
+        // import goes on; the result only decides which count the row goes to. An ignored
+        // row of INSERT OR IGNORE is done with no change.
+        const int result = sqlite3_step(statement.handle());
+        if constexpr (counted) {
+            if (result == SQLITE_DONE && sqlite3_changes(database) > 0)
+                ++report.rowsStored;
+            else
+                ++report.rowsNotStored;
+        } else {
+            Q_UNUSED(result);
+            Q_UNUSED(database);
+        }
         statement.reset();
     });
+    source = &tokenizer;
 
     Utf8Validator validator;
-    QByteArray chunk(chunkSize, Qt::Uninitialized);
+    QByteArray chunk(TableImporter::chunkSize, Qt::Uninitialized);
     for (;;) {
-        const qint64 count = file.read(chunk.data(), chunkSize);
+        const qint64 count = file.read(chunk.data(), TableImporter::chunkSize);
         if (count < 0)
             throw CSVFileError(CSVFileError::Kind::readFailed, csvPath);
         if (count == 0)
@@ -160,9 +216,26 @@ void TableImporter::importTable(SQLiteConnection &connection, const CatalogSchem
     if (!validator.finish())
         throw CSVFileError(CSVFileError::Kind::invalidUTF8, csvPath);
     tokenizer.finish();
+    if constexpr (counted)
+        report.endsInsideQuotes = tokenizer.endedInsideQuotes();
 
     statement.finalize();
     connection.execute(u"COMMIT"_s);
+    return report;
+}
+
+} // namespace
+
+TableImportReport TableImporter::importTable(SQLiteConnection &connection, const CatalogSchema::ImportTable &table,
+                                             const QString &csvPath)
+{
+    return importRows<true>(connection, table, csvPath);
+}
+
+void TableImporter::importTableUncounted(SQLiteConnection &connection, const CatalogSchema::ImportTable &table,
+                                         const QString &csvPath)
+{
+    importRows<false>(connection, table, csvPath);
 }
 
 } // namespace RebrickableKit

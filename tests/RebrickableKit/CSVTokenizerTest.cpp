@@ -32,6 +32,25 @@ ByteRows tokenize(QByteArrayView text, const QList<qsizetype> &cuts)
     return rows;
 }
 
+// What the tokenizer tells of a text's shape: for each row whether it spans lines, and
+// last whether the text ended inside quotes.
+QList<bool> shape(QByteArrayView text, const QList<qsizetype> &cuts)
+{
+    QList<bool> shape;
+    const CSVTokenizer *source = nullptr;
+    CSVTokenizer tokenizer([&](std::span<const std::string_view>) { shape.append(source->rowSpansLines()); });
+    source = &tokenizer;
+    qsizetype start = 0;
+    for (const qsizetype cut : cuts) {
+        tokenizer.feed(text.sliced(start, cut - start));
+        start = cut;
+    }
+    tokenizer.feed(text.sliced(start));
+    tokenizer.finish();
+    shape.append(tokenizer.endedInsideQuotes());
+    return shape;
+}
+
 // The rows of the whole-text parser, as bytes, header included for comparison.
 ByteRows wholeText(QByteArrayView text)
 {
@@ -125,6 +144,41 @@ private Q_SLOTS:
                     cuts.append(position);
             }
             QVERIFY2(tokenize(text, cuts) == wholeText(text), text.toPercentEncoding().constData());
+        }
+    }
+
+    void aRowSpansLinesExactlyWhenALineBreakIsInsideItsQuotes()
+    {
+        QCOMPARE(shape("h\n1,\"a\nb\"\n2,\"c\"\r\n3,\"d\re\",\"f\"\n4,g", {}),
+                 (QList<bool>{false, true, false, true, false, false}));
+    }
+
+    void theTextEndsInsideQuotesExactlyWhenItsLastQuoteIsLeftOpen()
+    {
+        QCOMPARE(shape("h\n1,\"open", {}).last(), true);
+        QCOMPARE(shape("h\n1,\"closed\"", {}).last(), false);
+        QCOMPARE(shape("h\n1,\"a\"\"", {}).last(), true); // a doubled quote leaves it open
+        QCOMPARE(shape("h\n1,\"x\"\"\"", {}).last(), false);
+        QCOMPARE(shape("\"", {}).last(), true);
+        QCOMPARE(shape("", {}).last(), false);
+    }
+
+    void aStrayQuoteMakesOneRowThatSpansTheRestOfTheText()
+    {
+        const QList<bool> found = shape("h\n1,a\n2,b\"c\n3,d\n4,e\n", {});
+        QCOMPARE(found, (QList<bool>{false, false, true, true}));
+    }
+
+    void theShapeIsTheSameWhereverTheTextIsCut()
+    {
+        for (const QByteArray &text : awkwardTexts) {
+            const QList<bool> expected = shape(text, {});
+            QList<qsizetype> everyByte;
+            for (qsizetype cut = 1; cut < text.size(); ++cut) {
+                QVERIFY2(shape(text, {cut}) == expected, text.toPercentEncoding().constData());
+                everyByte.append(cut);
+            }
+            QCOMPARE(shape(text, everyByte), expected);
         }
     }
 

@@ -14,6 +14,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
@@ -87,6 +88,7 @@ private:
     QString m_csv;
     QString m_database;
     QList<RebrickableDatabaseBuilder::BuildPhase> m_phases;
+    BuildReport m_report;
 
     QString value(const QString &sql) const { return CatalogTableDump::value(m_database, sql); }
 
@@ -113,7 +115,7 @@ private Q_SLOTS:
             QCOMPARE(count, 0);
         }
         m_database = m_work.filePath(u"rebrickable.sqlite"_s);
-        RebrickableDatabaseBuilder::build(m_csv, m_database,
+        m_report = RebrickableDatabaseBuilder::build(m_csv, m_database,
                                           [this](const RebrickableDatabaseBuilder::BuildPhase &phase) { m_phases.append(phase); });
     }
 
@@ -131,6 +133,27 @@ private Q_SLOTS:
             const qint64 accepted = acceptedRows(QDir(m_csv).filePath(table.fileName()), table.tableName);
             QCOMPARE(value(u"SELECT COUNT(*) FROM "_s + table.tableName).toLongLong(), accepted);
         }
+    }
+
+    void theReportHasEveryRowOfTheseDumpsStoredAndEveryHeaderAsExpected()
+    {
+        QVERIFY(m_report.isClean());
+        QCOMPARE(m_report.tables.size(), 12);
+        for (const TableImportReport &table : m_report.tables) {
+            QCOMPARE(table.rowsStored, table.rowsRead);
+            QCOMPARE(table.rowsStored, value(u"SELECT COUNT(*) FROM "_s + table.tableName).toLongLong());
+        }
+        QCOMPARE(m_report.table(u"inventory_parts"_s)->rowsRead, 1371949);
+    }
+
+    void theStrictToolBuildsTheseDumpsWithExitStatusZero()
+    {
+        QProcess tool;
+        tool.start(QStringLiteral(REBRICKABLE_BUILD_DB), {m_csv, m_work.filePath(u"tool.sqlite"_s)});
+        QVERIFY(tool.waitForFinished(300000));
+        QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(tool.exitCode(), 0);
+        QVERIFY(QString::fromUtf8(tool.readAllStandardOutput()).contains(u"inventory_parts     "_s));
     }
 
     void theTablesHoldTheKnownSizesOfTheseDumps()

@@ -238,7 +238,7 @@ private Q_SLOTS:
                  u"https://cdn.rebrickable.com/media/sets/fig-000001.jpg"_s);
     }
 
-    void refusedRowsArePassedOverInSilence()
+    void refusedRowsArePassedOverAndTheBuildGoesOn()
     {
         DumpDirectory dumps;
         dumps.writeRows(u"themes"_s, {"1,Technic,", "x,Bad id,", "", "2,Sub,x", "3,Short"});

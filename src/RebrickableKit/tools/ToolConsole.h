@@ -11,6 +11,9 @@ namespace ToolConsole {
 constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
+// The work completed, but what it read was not as expected: rebrickable-build-db when a
+// table isn't clean (rows refused, a header differs, a broken quote), unless told to be lenient.
+constexpr int exitDumpProblems = 3;
 
 QTextStream &out();
 QTextStream &err();
