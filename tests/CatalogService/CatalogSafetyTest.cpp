@@ -318,6 +318,26 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_service->state(), State::idle(), 20'000);
     }
 
+    void refusedRowsLeaveTheBuildAsItWasAndAreReportedInTheLog()
+    {
+        QFile sets(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR) + u"/sets.csv"_s);
+        QVERIFY(sets.open(QIODevice::ReadOnly));
+        const QByteArray withBadRow = sets.readAll() + "9999-1,A set without a year,unknown,158,10,\n";
+        m_dumps.setGzipBytes(u"sets"_s, DumpServer::gzip(withBadRow));
+        QVERIFY(runBuild(*m_service));
+        // The build itself goes on as always: the row is passed over, the catalog is live.
+        QCOMPARE(m_service->state(), State::completed());
+        QCOMPARE(RebrickableCatalog::shared()->setCount(), 477);
+        QStringList warnings;
+        for (const QString &line : std::as_const(capturedMessages)) {
+            if (line.startsWith(u"Table "_s))
+                warnings.append(line);
+        }
+        QCOMPARE(warnings.size(), 1);
+        QVERIFY2(warnings.first().startsWith(u"Table sets: 478 rows read, 477 stored, 1 refused"_s),
+                 qPrintable(warnings.first()));
+    }
+
     void secretsInTheDownloadAddressReachNoTextOrLog()
     {
         // Nothing listens on port 9; the address carries user info and a key.
