@@ -1,79 +1,40 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ViewModels/SetListViewModel.h"
 
-#include "SearchTokenizer.h"
-#include "Services/RebrickableCatalog.h"
 #include "Store/BrickSetListModel.h"
-#include "Store/BrickSetQueries.h"
 #include "ViewModels/CatalogSetListModel.h"
 #include "ViewModels/SetListGroupModel.h"
-
-#include <QDateTime>
-#include <QSettings>
-#include <QtConcurrent>
-
-using namespace Qt::StringLiterals;
+#include "ViewModels/SetListSidebarSwitch.h"
 
 namespace {
-
-const QString collectionSortColumnKey = u"collectionSortColumn"_s;
-const QString collectionSortAscendingKey = u"collectionSortAscending"_s;
-const QString catalogSortColumnKey = u"catalogSortColumn"_s;
-const QString catalogSortAscendingKey = u"catalogSortAscending"_s;
-const QString collectionIsGridViewKey = u"collectionIsGridView"_s;
-
-constexpr int catalogSearchLimit = 1000;
 // Above this many rows the old results are dropped as soon as a new search starts, so
 // that a long stale list is not resorted and redrawn while the new one is on its way.
 constexpr qsizetype earlyEmptyingThreshold = 200;
-constexpr int searchDebounceMilliseconds = 200;
-
-// Absent means true: read with a presence test, not with a default that a stored false
-// could be confused with.
-bool storedBool(const QSettings &settings, const QString &key)
-{
-    return settings.contains(key) ? settings.value(key).toBool() : true;
-}
-
-SetListSortOrder::Column storedColumn(const QSettings &settings, const QString &key, SetListSortOrder::Column fallback)
-{
-    return SetListSortOrder::fromRawValue(settings.value(key).toString()).value_or(fallback);
-}
-
 } // namespace
 
 SetListViewModel::SetListViewModel(PersistentContainer &container, QObject *parent)
     : QObject(parent)
-    , m_container(container)
+    , m_copies(std::make_unique<BrickSetListModel>(container))
+    , m_groups(std::make_unique<SetListGroupModel>(container, *m_copies))
+    , m_catalogModel(std::make_unique<CatalogSetListModel>())
+    , m_ownedSets(container)
 {
-    const QSettings settings;
-    m_collectionSortColumn = storedColumn(settings, collectionSortColumnKey, SortColumn::name);
-    m_collectionSortAscending = storedBool(settings, collectionSortAscendingKey);
-    m_catalogSortColumn = storedColumn(settings, catalogSortColumnKey, SortColumn::year);
-    m_catalogSortAscending = storedBool(settings, catalogSortAscendingKey);
-    m_isGridView = storedBool(settings, collectionIsGridViewKey);
-
-    m_searchDebounce.setSingleShot(true);
-    m_searchDebounce.setInterval(searchDebounceMilliseconds);
-    connect(&m_searchDebounce, &QTimer::timeout, this, &SetListViewModel::runCatalogSearch);
-
-    m_copies = std::make_unique<BrickSetListModel>(container);
-    m_groups = std::make_unique<SetListGroupModel>(container, *m_copies);
-    m_ownedSets = std::make_unique<BrickSetListModel>(container);
-    m_catalogModel = std::make_unique<CatalogSetListModel>();
     connect(m_groups.get(), &SetListGroupModel::sortRequested, this, &SetListViewModel::setCollectionSortOrder);
     connect(m_catalogModel.get(), &CatalogSetListModel::sortRequested, this, &SetListViewModel::setCatalogSortOrder);
-    connect(m_ownedSets.get(), &BrickSetListModel::refetched, this, &SetListViewModel::rebuildOwnedSetNumbers);
-
-    m_ownedSets->setFetchRequest(FetchRequest<BrickSet>(BrickSetQueries::notTrashed()));
+    connect(&m_collectionSort, &StoredSortSetting::changed, this, &SetListViewModel::collectionSortStored);
+    connect(&m_catalogSort, &StoredSortSetting::changed, this, &SetListViewModel::catalogSortStored);
+    m_catalogModel->setOwnedSetNumbers(m_ownedSets.setNumbers());
+    connect(&m_ownedSets, &OwnedSetIndex::setNumbersChanged, this, [this] {
+        m_catalogModel->setOwnedSetNumbers(m_ownedSets.setNumbers());
+        Q_EMIT ownedSetNumbersChanged();
+    });
+    connect(&m_searchDebounce, &CatalogSearchDebounce::searchDue, this, &SetListViewModel::runCatalogSearch);
+    connect(&m_catalogSearch, &CatalogSearchRunner::themeNamesFound, this, &SetListViewModel::mergeThemeNames);
+    connect(&m_catalogSearch, &CatalogSearchRunner::resultsReady, this, &SetListViewModel::setCatalogResults);
     applyCollectionRequest();
 }
 
-SetListViewModel::~SetListViewModel()
-{
-    // A search on its way finds its flag set; its continuation dies with this object.
-    cancelCatalogSearch();
-}
+SetListViewModel::~SetListViewModel() = default;
 
 // ---- The sidebar's selection ----------------------------------------------------------------
 
@@ -85,7 +46,7 @@ void SetListViewModel::setSelectionID(const QString &itemID)
     m_selectionID = itemID;
     m_selection = selection;
     if (!m_selection.isCatalog())
-        m_searchDebounce.stop();
+        m_searchDebounce.cancel();
     applyCollectionRequest();
     Q_EMIT selectionIDChanged(m_selectionID);
 }
@@ -93,42 +54,23 @@ void SetListViewModel::setSelectionID(const QString &itemID)
 void SetListViewModel::sidebarSelectionChanged(const QString &itemID)
 {
     const SetListSelection selection = SetListSelection::fromItemID(itemID);
-    m_searchDebounce.stop();
+    const SetListSidebarSwitch change = SetListSidebarSwitch::to(selection, m_currentCatalogThemeID);
+    m_searchDebounce.cancel();
     // The fields change first and the list is fetched or searched once, with all of them.
-    const bool searchChanged = !m_searchText.isEmpty();
-    if (selection.kind() != SidebarItem::Kind::catalogAllThemes)
-        m_searchText.clear();
-    std::optional<int> themeID = m_currentCatalogThemeID;
-    if (selection.kind() == SidebarItem::Kind::catalogTheme)
-        themeID = selection.themeID();
-    else if (selection.kind() != SidebarItem::Kind::catalogAllThemes)
-        themeID.reset();
-    const bool themeChanged = themeID != m_currentCatalogThemeID;
-    m_currentCatalogThemeID = themeID;
-
+    const bool searchCleared = !change.keepsSearchText && !std::exchange(m_searchText, QString()).isEmpty();
+    const bool themeChanged = std::exchange(m_currentCatalogThemeID, change.catalogThemeID) != change.catalogThemeID;
     m_selectionID = itemID;
     m_selection = selection;
     applyCollectionRequest();
     Q_EMIT selectionIDChanged(m_selectionID);
-    if (searchChanged && m_searchText.isEmpty())
+    if (searchCleared)
         Q_EMIT searchTextChanged(m_searchText);
     if (themeChanged)
         Q_EMIT currentCatalogThemeIDChanged();
-
-    switch (selection.kind().value_or(SidebarItem::Kind::allSets)) {
-    case SidebarItem::Kind::catalogTheme:
-    case SidebarItem::Kind::catalogAll:
+    if (change.searchesCatalog)
         runCatalogSearch();
-        break;
-    default:
+    else
         clearCatalogResults();
-        break;
-    }
-}
-
-void SetListViewModel::sidebarSelectionChanged(const std::optional<SidebarItem> &item)
-{
-    sidebarSelectionChanged(item ? item->id() : QString());
 }
 
 // ---- Search ---------------------------------------------------------------------------------
@@ -140,11 +82,7 @@ void SetListViewModel::setSearchText(const QString &text)
     m_searchText = text;
     Q_EMIT searchTextChanged(m_searchText);
     if (isCatalogList()) {
-        m_searchDebounce.stop();
-        if (m_searchText.isEmpty())
-            runCatalogSearch();
-        else
-            m_searchDebounce.start();
+        m_searchDebounce.textChanged(m_searchText);
         return;
     }
     applyCollectionRequest();
@@ -165,87 +103,14 @@ void SetListViewModel::applySearchSelection()
 
 // ---- Sort -----------------------------------------------------------------------------------
 
-void SetListViewModel::setCollectionSortColumn(SortColumn column)
+void SetListViewModel::collectionSortStored()
 {
-    if (column == m_collectionSortColumn)
-        return;
-    m_collectionSortColumn = column;
-    storeCollectionSort();
-}
-
-void SetListViewModel::setCollectionSortAscending(bool ascending)
-{
-    if (ascending == m_collectionSortAscending)
-        return;
-    m_collectionSortAscending = ascending;
-    storeCollectionSort();
-}
-
-void SetListViewModel::setCatalogSortColumn(SortColumn column)
-{
-    if (column == m_catalogSortColumn)
-        return;
-    m_catalogSortColumn = column;
-    storeCatalogSort();
-}
-
-void SetListViewModel::setCatalogSortAscending(bool ascending)
-{
-    if (ascending == m_catalogSortAscending)
-        return;
-    m_catalogSortAscending = ascending;
-    storeCatalogSort();
-}
-
-QList<SortDescriptor> SetListViewModel::collectionSortOrder() const
-{
-    return SetListSortOrder::collectionComparators(m_collectionSortColumn, m_collectionSortAscending);
-}
-
-void SetListViewModel::setCollectionSortOrder(const QList<SortDescriptor> &comparators)
-{
-    const auto choice = SetListSortOrder::collectionChoice(comparators);
-    if (!choice || (choice->column == m_collectionSortColumn && choice->ascending == m_collectionSortAscending))
-        return;
-    m_collectionSortColumn = choice->column;
-    m_collectionSortAscending = choice->ascending;
-    storeCollectionSort();
-}
-
-QList<SortDescriptor> SetListViewModel::catalogSortOrder() const
-{
-    return SetListSortOrder::catalogComparators(m_catalogSortColumn, m_catalogSortAscending);
-}
-
-void SetListViewModel::setCatalogSortOrder(const QList<SortDescriptor> &comparators)
-{
-    const auto choice = SetListSortOrder::catalogChoice(comparators);
-    if (!choice || (choice->column == m_catalogSortColumn && choice->ascending == m_catalogSortAscending))
-        return;
-    m_catalogSortColumn = choice->column;
-    m_catalogSortAscending = choice->ascending;
-    storeCatalogSort();
-}
-
-QList<SortDescriptor> SetListViewModel::sortDescriptors() const
-{
-    return SetListSortOrder::storeSortDescriptors(m_collectionSortColumn, m_collectionSortAscending);
-}
-
-void SetListViewModel::storeCollectionSort()
-{
-    QSettings settings;
-    settings.setValue(collectionSortColumnKey, SetListSortOrder::rawValue(m_collectionSortColumn));
-    settings.setValue(collectionSortAscendingKey, m_collectionSortAscending);
     Q_EMIT collectionSortChanged();
     applyCollectionSort();
 }
 
-void SetListViewModel::storeCatalogSort()
+void SetListViewModel::catalogSortStored()
 {
-    QSettings settings;
-    settings.setValue(catalogSortColumnKey, SetListSortOrder::rawValue(m_catalogSortColumn));
-    settings.setValue(catalogSortAscendingKey, m_catalogSortAscending);
     Q_EMIT catalogSortChanged();
     if (isCatalogList())
         runCatalogSearch();
@@ -255,113 +120,49 @@ void SetListViewModel::storeCatalogSort()
 
 void SetListViewModel::setFilterTheme(const std::optional<QString> &themeName)
 {
-    if (themeName == m_filterTheme)
-        return;
-    m_filterTheme = themeName;
-    Q_EMIT filtersChanged();
-    applyCollectionRequest();
+    if (std::exchange(m_filters.themeName, themeName) != themeName)
+        filtersUpdated();
 }
 
 void SetListViewModel::setFilterYear(std::optional<qint16> year)
 {
-    if (year == m_filterYear)
-        return;
-    m_filterYear = year;
-    Q_EMIT filtersChanged();
-    applyCollectionRequest();
+    if (std::exchange(m_filters.year, year) != year)
+        filtersUpdated();
 }
 
 void SetListViewModel::setFilterCondition(std::optional<OverallCondition> condition)
 {
-    if (condition == m_filterCondition)
-        return;
-    m_filterCondition = condition;
+    if (std::exchange(m_filters.condition, condition) != condition)
+        filtersUpdated();
+}
+
+void SetListViewModel::filtersUpdated()
+{
     Q_EMIT filtersChanged();
     applyCollectionRequest();
 }
 
 void SetListViewModel::setGridView(bool isGridView)
 {
-    if (isGridView == m_isGridView)
-        return;
-    m_isGridView = isGridView;
-    QSettings().setValue(collectionIsGridViewKey, m_isGridView);
-    Q_EMIT isGridViewChanged(m_isGridView);
+    if (m_gridView.setGridView(isGridView))
+        Q_EMIT isGridViewChanged(isGridView);
 }
 
 // ---- The collection -------------------------------------------------------------------------
 
 FetchRequest<BrickSet> SetListViewModel::fetchRequest(const QString &itemID) const
 {
-    using Kind = SidebarItem::Kind;
-    const SetListSelection selection = SetListSelection::fromItemID(itemID);
-    // "now" is taken at the moment of the fetch, so a list left open moves with the clock
-    // at its next refetch.
-    const QDateTime now = QDateTime::currentDateTime();
-    QList<Predicate> predicates;
-    if (selection.kind() == Kind::trash) {
-        predicates.append(BrickSetQueries::trashed());
-    } else {
-        predicates.append(BrickSetQueries::notTrashed());
-        // No selection lists the whole collection, as all sets does.
-        switch (selection.kind().value_or(Kind::allSets)) {
-        case Kind::favorites:
-            predicates.append(BrickSetQueries::favorite());
-            break;
-        case Kind::recentlyAdded:
-            predicates.append(BrickSetQueries::addedOnOrAfter(now.addDays(-30)));
-            break;
-        case Kind::unknownAcquisition:
-            predicates.append(BrickSetQueries::acquisitionUnknownOrAbsent());
-            break;
-        case Kind::unknownCondition:
-            // Only an absent condition: the sidebar's count also takes "unknown", the list
-            // deliberately does not.
-            predicates.append(BrickSetQueries::conditionAbsent());
-            break;
-        case Kind::retired:
-            predicates.append(BrickSetQueries::retiredBefore(now));
-            break;
-        case Kind::noPricing:
-            predicates.append(BrickSetQueries::withoutPriceGuides());
-            break;
-        case Kind::outdatedPricing:
-            predicates.append(BrickSetQueries::pricingOlderThan(now.addDays(-7)));
-            break;
-        default:
-            break;
-        }
-    }
-    // Over the catalog the text goes to the catalog search, never into this fetch.
-    if (!m_searchText.isEmpty() && !selection.isCatalog()) {
-        for (const SearchTokenizer::Token &token : SearchTokenizer::tokenize(m_searchText)) {
-            const std::optional<qint16> year = token.year ? std::optional<qint16>(qint16(*token.year)) : std::nullopt;
-            predicates.append(BrickSetQueries::matchesSearchToken(token.text, year));
-        }
-    }
-    if (m_filterTheme)
-        predicates.append(BrickSetQueries::themeName(*m_filterTheme));
-    if (m_filterYear)
-        predicates.append(BrickSetQueries::year(*m_filterYear));
-    if (m_filterCondition)
-        predicates.append(BrickSetQueries::overallCondition(Vocabulary::rawValue(*m_filterCondition)));
-    return FetchRequest<BrickSet>(Predicate::allOf(predicates), sortDescriptors());
-}
-
-FetchRequest<BrickSet> SetListViewModel::fetchRequest(const std::optional<SidebarItem> &item) const
-{
-    return fetchRequest(item ? item->id() : QString());
+    return CollectionFetchRequest::build(SetListSelection::fromItemID(itemID), m_searchText, m_filters,
+                                         sortDescriptors());
 }
 
 void SetListViewModel::applyCollectionRequest()
 {
     // A catalog list shows no copies: its live list holds none rather than refetching the
     // whole collection after every save.
-    FetchRequest<BrickSet> request = m_selection.isCatalog() ? FetchRequest<BrickSet>(Predicate::alwaysFalse())
-                                                             : fetchRequest(m_selectionID);
-    const bool priceSort = !m_selection.isCatalog() && SetListSortOrder::sortsInMemory(m_collectionSortColumn);
-    m_groups->setPriceSort(priceSort ? std::optional<bool>(m_collectionSortAscending) : std::nullopt);
-    m_copies->setFetchRequest(request);
+    applyPriceSort();
+    m_copies->setFetchRequest(m_selection.isCatalog() ? FetchRequest<BrickSet>(Predicate::alwaysFalse())
+                                                      : fetchRequest(m_selectionID));
 }
 
 void SetListViewModel::applyCollectionSort()
@@ -369,25 +170,16 @@ void SetListViewModel::applyCollectionSort()
     // A catalog list holds no copies to sort.
     if (m_selection.isCatalog())
         return;
-    const bool priceSort = SetListSortOrder::sortsInMemory(m_collectionSortColumn);
-    m_groups->setPriceSort(priceSort ? std::optional<bool>(m_collectionSortAscending) : std::nullopt);
+    applyPriceSort();
     // Only the order changes: the copies at hand are re-sorted rather than read again.
     m_copies->setSortDescriptors(sortDescriptors());
 }
 
-void SetListViewModel::rebuildOwnedSetNumbers()
+void SetListViewModel::applyPriceSort()
 {
-    QSet<QString> numbers;
-    numbers.reserve(m_ownedSets->count());
-    for (const BrickSetWithCatalogSet &row : m_ownedSets->rows()) {
-        if (row.catalogSet && row.catalogSet->setNumber)
-            numbers.insert(*row.catalogSet->setNumber);
-    }
-    if (numbers == m_ownedSetNumbers)
-        return;
-    m_ownedSetNumbers = std::move(numbers);
-    m_catalogModel->setOwnedSetNumbers(m_ownedSetNumbers);
-    Q_EMIT ownedSetNumbersChanged();
+    // The store cannot order by the computed price: the groups sort by it in memory.
+    const bool priceSort = !m_selection.isCatalog() && SetListSortOrder::sortsInMemory(m_collectionSort.column());
+    m_groups->setPriceSort(priceSort ? std::optional<bool>(m_collectionSort.ascending()) : std::nullopt);
 }
 
 // ---- The catalog ----------------------------------------------------------------------------
@@ -413,91 +205,28 @@ void SetListViewModel::setCatalogResults(const QList<CatalogSetResult> &results)
         Q_EMIT catalogSetSelectedBySearch(m_catalogResults.first());
 }
 
-void SetListViewModel::cancelCatalogSearch()
-{
-    if (m_runningSearch) {
-        m_runningSearch->store(true);
-        m_runningSearch.reset();
-    }
-}
-
 void SetListViewModel::clearCatalogResults()
 {
-    cancelCatalogSearch();
+    m_catalogSearch.cancel();
     setCatalogResults({});
 }
 
 void SetListViewModel::runCatalogSearch()
 {
-    m_searchDebounce.stop();
-    cancelCatalogSearch();
-    const QString text = m_searchText;
-    const std::optional<int> themeID = m_currentCatalogThemeID;
-    const QList<SortDescriptor> sortOrder = catalogSortOrder();
+    m_searchDebounce.cancel();
+    m_catalogSearch.cancel();
+    const CatalogSetSearch::Request request{m_searchText, m_currentCatalogThemeID, catalogSortOrder(),
+                                            m_themeNames.knownThemeIDs()};
     if (m_catalogResults.size() > earlyEmptyingThreshold)
         setCatalogResults({});
-
-    auto cancelled = std::make_shared<std::atomic_bool>(false);
-    m_runningSearch = cancelled;
-    QSet<int> knownThemes;
-    knownThemes.reserve(m_themeNameCache.size());
-    for (auto it = m_themeNameCache.cbegin(); it != m_themeNameCache.cend(); ++it)
-        knownThemes.insert(it.key());
-
-    // The task holds values only; its continuation runs on this object's thread and is
-    // dropped with the object, so a search outliving the list ends unseen.
-    QFuture<SearchOutcome> search =
-        QtConcurrent::run(&SetListViewModel::searchCatalog, text, themeID, sortOrder, knownThemes, cancelled);
-    search.then(this, [this, cancelled](const SearchOutcome &outcome) {
-        mergeThemeNames(outcome.themeNames);
-        // A newer search (or a clear) has replaced this one: its results are stale.
-        if (cancelled != m_runningSearch || cancelled->load())
-            return;
-        m_runningSearch.reset();
-        setCatalogResults(outcome.results);
-    });
+    m_catalogSearch.start(request);
     Q_EMIT catalogSearchStarted();
 }
 
-SetListViewModel::SearchOutcome SetListViewModel::searchCatalog(QString text, std::optional<int> themeID,
-                                                                 QList<SortDescriptor> sortOrder, QSet<int> knownThemes,
-                                                                 std::shared_ptr<std::atomic_bool> cancelled)
+void SetListViewModel::mergeThemeNames(const CatalogSetSearch::ThemeNames &names)
 {
-    SearchOutcome outcome;
-    const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
-    if (!catalog) {
-        outcome.catalogAbsent = true;
-        return outcome;
-    }
-    // Over the whole catalog a bare set number typed alone is brought to the front even
-    // when the text search misses it.
-    outcome.results = themeID ? catalog->searchSets(*themeID, text, catalogSearchLimit)
-                              : catalog->searchSetsPromotingExactHit(text, catalogSearchLimit);
-    if (cancelled->load())
-        return outcome;
-    // Stable: the promoted set keeps the front only among rows that compare equal.
-    SetListSortOrder::sortCatalogResults(outcome.results, sortOrder);
-    for (const CatalogSetResult &result : std::as_const(outcome.results)) {
-        if (knownThemes.contains(result.themeID) || outcome.themeNames.contains(result.themeID))
-            continue;
-        const std::optional<CatalogThemeResult> theme = catalog->theme(result.themeID);
-        outcome.themeNames.insert(result.themeID, theme ? std::optional<QString>(theme->name) : std::nullopt);
-    }
-    return outcome;
-}
-
-void SetListViewModel::mergeThemeNames(const QHash<int, std::optional<QString>> &names)
-{
-    bool changed = false;
-    for (auto it = names.cbegin(); it != names.cend(); ++it) {
-        if (m_themeNameCache.contains(it.key()))
-            continue;
-        //% "Unknown Theme"
-        m_themeNameCache.insert(it.key(), it.value().value_or(qtTrId("setList.theme.unknown")));
-        changed = true;
-    }
-    if (!changed)
+    if (!m_themeNames.merge(names))
         return;
-    m_catalogModel->setThemeNames(m_themeNameCache);
+    m_catalogModel->setThemeNames(m_themeNames.names());
     Q_EMIT themeNameCacheChanged();
 }

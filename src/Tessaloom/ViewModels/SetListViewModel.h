@@ -5,16 +5,21 @@
 #include "Services/CatalogResults.h"
 #include "Store/BrickSet.h"
 #include "Store/FetchRequest.h"
+#include "ViewModels/CatalogSearchDebounce.h"
+#include "ViewModels/CatalogSearchRunner.h"
+#include "ViewModels/CollectionFetchRequest.h"
+#include "ViewModels/CollectionGridViewSetting.h"
+#include "ViewModels/OwnedSetIndex.h"
 #include "ViewModels/SetListSelection.h"
 #include "ViewModels/SetListSortOrder.h"
 #include "ViewModels/SidebarItem.h"
+#include "ViewModels/StoredSortSetting.h"
+#include "ViewModels/ThemeNameCache.h"
 
 #include <QHash>
 #include <QObject>
 #include <QSet>
-#include <QTimer>
 
-#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -24,9 +29,10 @@ class PersistentContainer;
 class SetListGroupModel;
 
 // The model behind the middle column: the user's copies or the catalog's search results,
-// as a grid or a table. It holds the search text, the sort settings and the filters, turns
-// the sidebar's selection into a fetch of copies, and runs the catalog search off the main
-// thread. Used on the main thread only.
+// as a grid or a table. It binds the parts that each do one job (the stored sort and view
+// settings, the fetch of copies, the wait on typing, the catalog search on the pool, the
+// owned sets, the theme names) to the search text, the filters and the sidebar's
+// selection. Used on the main thread only.
 //
 // The sidebar's selection is given by its item's id ("all_sets", "catalog_theme_158", or
 // empty for none).
@@ -54,7 +60,10 @@ public:
     // whole catalog; "catalog_all_themes" only empties the results; anything else (or no
     // selection) clears the theme, the results and the search.
     void sidebarSelectionChanged(const QString &itemID);
-    void sidebarSelectionChanged(const std::optional<SidebarItem> &item);
+    void sidebarSelectionChanged(const std::optional<SidebarItem> &item)
+    {
+        sidebarSelectionChanged(item ? item->id() : QString());
+    }
     // Whether the list shows catalog results rather than copies.
     bool isCatalogList() const { return m_selection.isCatalog(); }
 
@@ -69,47 +78,56 @@ public:
 
     // ---- Sort, stored under "collectionSortColumn", "collectionSortAscending",
     // "catalogSortColumn" and "catalogSortAscending" ----
-    SortColumn collectionSortColumn() const { return m_collectionSortColumn; }
-    void setCollectionSortColumn(SortColumn column);
-    bool collectionSortAscending() const { return m_collectionSortAscending; }
-    void setCollectionSortAscending(bool ascending);
-    SortColumn catalogSortColumn() const { return m_catalogSortColumn; }
-    void setCatalogSortColumn(SortColumn column);
-    bool catalogSortAscending() const { return m_catalogSortAscending; }
-    void setCatalogSortAscending(bool ascending);
+    SortColumn collectionSortColumn() const { return m_collectionSort.column(); }
+    void setCollectionSortColumn(SortColumn column) { m_collectionSort.setColumn(column); }
+    bool collectionSortAscending() const { return m_collectionSort.ascending(); }
+    void setCollectionSortAscending(bool ascending) { m_collectionSort.setAscending(ascending); }
+    SortColumn catalogSortColumn() const { return m_catalogSort.column(); }
+    void setCatalogSortColumn(SortColumn column) { m_catalogSort.setColumn(column); }
+    bool catalogSortAscending() const { return m_catalogSort.ascending(); }
+    void setCatalogSortAscending(bool ascending) { m_catalogSort.setAscending(ascending); }
 
     // What the tables show as their sort. Writing one (a header click) stores the column
     // and direction of its first comparator and refetches or re-searches.
-    QList<SortDescriptor> collectionSortOrder() const;
-    void setCollectionSortOrder(const QList<SortDescriptor> &comparators);
-    QList<SortDescriptor> catalogSortOrder() const;
-    void setCatalogSortOrder(const QList<SortDescriptor> &comparators);
+    QList<SortDescriptor> collectionSortOrder() const { return m_collectionSort.comparators(); }
+    void setCollectionSortOrder(const QList<SortDescriptor> &comparators)
+    {
+        m_collectionSort.setComparators(comparators);
+    }
+    QList<SortDescriptor> catalogSortOrder() const { return m_catalogSort.comparators(); }
+    void setCatalogSortOrder(const QList<SortDescriptor> &comparators) { m_catalogSort.setComparators(comparators); }
     // The collection's sort for the store's fetch.
-    QList<SortDescriptor> sortDescriptors() const;
+    QList<SortDescriptor> sortDescriptors() const
+    {
+        return SetListSortOrder::storeSortDescriptors(m_collectionSort.column(), m_collectionSort.ascending());
+    }
 
     // ---- Filters ----
-    std::optional<QString> filterTheme() const { return m_filterTheme; }
+    std::optional<QString> filterTheme() const { return m_filters.themeName; }
     void setFilterTheme(const std::optional<QString> &themeName);
-    std::optional<qint16> filterYear() const { return m_filterYear; }
+    std::optional<qint16> filterYear() const { return m_filters.year; }
     void setFilterYear(std::optional<qint16> year);
-    std::optional<OverallCondition> filterCondition() const { return m_filterCondition; }
+    std::optional<OverallCondition> filterCondition() const { return m_filters.condition; }
     void setFilterCondition(std::optional<OverallCondition> condition);
 
     // Grid or table, stored under "collectionIsGridView".
-    bool isGridView() const { return m_isGridView; }
+    bool isGridView() const { return m_gridView.isGridView(); }
     void setGridView(bool isGridView);
 
     // ---- The collection ----
     // The fetch of copies for the sidebar item `itemID` under the current search text,
     // filters and sort.
     FetchRequest<BrickSet> fetchRequest(const QString &itemID) const;
-    FetchRequest<BrickSet> fetchRequest(const std::optional<SidebarItem> &item) const;
+    FetchRequest<BrickSet> fetchRequest(const std::optional<SidebarItem> &item) const
+    {
+        return fetchRequest(item ? item->id() : QString());
+    }
     // The live list of the current selection's copies, in sort order, one row per copy.
     BrickSetListModel *copies() const { return m_copies.get(); }
     // The same copies grouped by set number: what the grid and table of copies show.
     SetListGroupModel *groups() const { return m_groups.get(); }
     // Set numbers of which a copy not in the trash is owned.
-    const QSet<QString> &ownedSetNumbers() const { return m_ownedSetNumbers; }
+    const QSet<QString> &ownedSetNumbers() const { return m_ownedSets.setNumbers(); }
 
     // ---- The catalog ----
     const QList<CatalogSetResult> &catalogResults() const { return m_catalogResults; }
@@ -117,13 +135,13 @@ public:
     std::optional<int> currentCatalogThemeID() const { return m_currentCatalogThemeID; }
     // Changing the theme runs the search at once.
     void setCurrentCatalogThemeID(std::optional<int> themeID);
-    const QHash<int, QString> &themeNameCache() const { return m_themeNameCache; }
+    const QHash<int, QString> &themeNameCache() const { return m_themeNames.names(); }
     // Empties the results and drops any search on its way.
     void clearCatalogResults();
     // Starts a search with the current text, theme and sort; a newer search replaces an
     // older one, whose results are dropped even if they arrive later.
     void runCatalogSearch();
-    bool isCatalogSearchRunning() const { return m_runningSearch != nullptr; }
+    bool isCatalogSearchRunning() const { return m_catalogSearch.isRunning(); }
 
 Q_SIGNALS:
     void searchTextChanged(const QString &text);
@@ -145,49 +163,33 @@ Q_SIGNALS:
     void catalogSetSelectedBySearch(const CatalogSetResult &set);
 
 private:
-    struct SearchOutcome
-    {
-        QList<CatalogSetResult> results;
-        QHash<int, std::optional<QString>> themeNames; // names looked up for ids not yet cached
-        bool catalogAbsent = false;
-    };
-    static SearchOutcome searchCatalog(QString text, std::optional<int> themeID, QList<SortDescriptor> sortOrder,
-                                       QSet<int> knownThemes, std::shared_ptr<std::atomic_bool> cancelled);
-
+    void collectionSortStored();
+    void catalogSortStored();
     void applyCollectionRequest();
+    void filtersUpdated();
     void applyCollectionSort();
+    void applyPriceSort();
     void applySearchSelection();
     void setCatalogResults(const QList<CatalogSetResult> &results);
-    void cancelCatalogSearch();
-    void mergeThemeNames(const QHash<int, std::optional<QString>> &names);
-    void rebuildOwnedSetNumbers();
-    void storeCollectionSort();
-    void storeCatalogSort();
+    void mergeThemeNames(const CatalogSetSearch::ThemeNames &names);
 
-    PersistentContainer &m_container;
     QString m_selectionID;
     SetListSelection m_selection;
     QString m_searchText;
     bool m_searchFocusTrigger = false;
-    SortColumn m_collectionSortColumn = SortColumn::name;
-    bool m_collectionSortAscending = true;
-    SortColumn m_catalogSortColumn = SortColumn::year;
-    bool m_catalogSortAscending = true;
-    std::optional<QString> m_filterTheme;
-    std::optional<qint16> m_filterYear;
-    std::optional<OverallCondition> m_filterCondition;
-    bool m_isGridView = true;
+    StoredSortSetting m_collectionSort{StoredSortSetting::List::collection};
+    StoredSortSetting m_catalogSort{StoredSortSetting::List::catalog};
+    CollectionGridViewSetting m_gridView;
+    CollectionFetchRequest::Filters m_filters;
     QList<CatalogSetResult> m_catalogResults;
     std::optional<int> m_currentCatalogThemeID;
-    QHash<int, QString> m_themeNameCache;
-    QSet<QString> m_ownedSetNumbers;
-
-    QTimer m_searchDebounce;
-    // The search on its way: its cancellation flag; a result carrying another flag is stale.
-    std::shared_ptr<std::atomic_bool> m_runningSearch;
+    ThemeNameCache m_themeNames;
 
     std::unique_ptr<BrickSetListModel> m_copies;
     std::unique_ptr<SetListGroupModel> m_groups;
-    std::unique_ptr<BrickSetListModel> m_ownedSets;
     std::unique_ptr<CatalogSetListModel> m_catalogModel;
+    OwnedSetIndex m_ownedSets;
+    CatalogSearchDebounce m_searchDebounce;
+    // Declared last so that it is destroyed first: a search that lands later reaches nothing.
+    CatalogSearchRunner m_catalogSearch;
 };

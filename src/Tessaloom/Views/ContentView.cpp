@@ -6,6 +6,7 @@
 #include "Store/PersistentContainer.h"
 #include "Store/StoreChanges.h"
 #include "Store/StoreError.h"
+#include "ViewModels/DebouncedSettingWriter.h"
 #include "ViewModels/DetailColumnRule.h"
 #include "ViewModels/SetListViewModel.h"
 #include "ViewModels/SidebarItem.h"
@@ -47,6 +48,8 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     , m_detailPlaceholder(new EmptyStateView(m_detailColumn))
     , m_setPreview(new SetPreviewView(m_detailColumn))
     , m_findAction(new QAction(this))
+    , m_themeBrowserSearchWriter(
+          new DebouncedSettingWriter(themeBrowserSearchKey, DebouncedSettingWriter::defaultPause, this))
 {
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -74,10 +77,11 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
             m_themeBrowser->searchField()->setFocus(Qt::ShortcutFocusReason);
     });
 
-    // The theme browser's search stays with the window between visits.
+    // The theme browser's search stays with the window between visits. It is written once
+    // typing pauses, not at every keystroke, and at the latest when the window goes.
     m_themeBrowser->setSearchText(QSettings().value(themeBrowserSearchKey).toString());
-    connect(m_themeBrowser, &ThemeBrowserView::searchTextChanged, this,
-            [](const QString &text) { QSettings().setValue(themeBrowserSearchKey, text); });
+    connect(m_themeBrowser, &ThemeBrowserView::searchTextChanged, m_themeBrowserSearchWriter,
+            [this](const QString &text) { m_themeBrowserSearchWriter->setValue(text); });
     connect(m_themeBrowser, &ThemeBrowserView::themeSelected, this, [this](int id, const QString &name) {
         m_sidebarViewModel->setSelectedItem(SidebarItem::catalogTheme(id, name));
     });

@@ -10,6 +10,7 @@
 #include <optional>
 
 class CatalogDatabaseService;
+class DebouncedSettingWriter;
 class EmptyStateView;
 class PersistentContainer;
 class QAction;
@@ -81,6 +82,7 @@ private:
     EmptyStateView *m_detailPlaceholder;
     SetPreviewView *m_setPreview;
     QAction *m_findAction;
+    DebouncedSettingWriter *m_themeBrowserSearchWriter;
 
     std::optional<ObjectID> m_selectedBrickSet;
     std::optional<CatalogSetResult> m_selectedCatalogSet;
