@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "DumpServer.h"
+#include "FileDigest.h"
+#include "LogCapture.h"
 #include "Services/CatalogDatabaseService.h"
 #include "Services/RebrickableCatalog.h"
 #include "TestEnvironment.h"
 #include "Views/TranslationLoader.h"
 
 #include <QCoroTask>
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -26,32 +27,12 @@ const QByteArray dumpsDate = "Wed, 02 Apr 2026 06:00:00 GMT";
 const QByteArray htmlPage = "<!DOCTYPE html><html><head><title>Maintenance</title></head>"
                             "<body><p>We will be back soon.</p></body></html>\n";
 
-QByteArray fileDigest(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    hash.addData(&file);
-    return hash.result();
-}
-
 void writeFile(const QString &path, const QByteArray &bytes)
 {
     QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     QCOMPARE(file.write(bytes), bytes.size());
-}
-
-// Every log line of a test, so that a test can say what must never be written.
-QStringList capturedMessages;
-QtMessageHandler previousHandler = nullptr;
-
-void captureMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
-{
-    capturedMessages.append(message);
-    previousHandler(type, context, message);
 }
 
 } // namespace
@@ -67,6 +48,7 @@ class CatalogSafetyTest : public QObject
 private:
     DumpServer m_dumps;
     std::unique_ptr<CatalogDatabaseService> m_service;
+    std::unique_ptr<LogCapture> m_log; // every log line, to say what must never be written
 
     QString applicationDirectory() const { return QFileInfo(RebrickableCatalog::defaultDatabasePath()).path(); }
 
@@ -97,10 +79,10 @@ private Q_SLOTS:
     {
         TestEnvironment::isolate();
         QVERIFY(TranslationLoader::install(*QCoreApplication::instance(), QLocale(QLocale::English)));
-        previousHandler = qInstallMessageHandler(captureMessage);
+        m_log = std::make_unique<LogCapture>();
     }
 
-    void cleanupTestCase() { qInstallMessageHandler(previousHandler); }
+    void cleanupTestCase() { m_log.reset(); }
 
     void init()
     {
@@ -111,7 +93,7 @@ private Q_SLOTS:
         serveSampleDumps();
         m_dumps.server().resetCounters();
         m_service = std::make_unique<CatalogDatabaseService>(applicationDirectory(), m_dumps.baseUrl());
-        capturedMessages.clear();
+        m_log->clear();
     }
 
     void cleanup()
@@ -125,8 +107,8 @@ private Q_SLOTS:
     {
         QVERIFY(runBuild(*m_service));
         QCOMPARE(m_service->state(), State::completed());
-        const QByteArray before = fileDigest(m_service->liveDatabasePath());
-        const QByteArray previousBefore = fileDigest(m_service->previousDatabasePath());
+        const QByteArray before = FileDigest::of(m_service->liveDatabasePath());
+        const QByteArray previousBefore = FileDigest::of(m_service->previousDatabasePath());
 
         // Setting the date serves every dump afresh, so it comes before the HTML page,
         // which is served as sets.csv.gz with status 200.
@@ -134,8 +116,8 @@ private Q_SLOTS:
         m_dumps.setGzipBytes(u"sets"_s, htmlPage);
         QVERIFY(runBuild(*m_service));
         QCOMPARE(m_service->state(), State::failed(u"Failed to decompress sets.csv.gz"_s));
-        QCOMPARE(fileDigest(m_service->liveDatabasePath()), before);
-        QCOMPARE(fileDigest(m_service->previousDatabasePath()), previousBefore);
+        QCOMPARE(FileDigest::of(m_service->liveDatabasePath()), before);
+        QCOMPARE(FileDigest::of(m_service->previousDatabasePath()), previousBefore);
         QCOMPARE(RebrickableCatalog::shared()->setCount(), 477);
         QCOMPARE(QSettings().value(u"catalog.lastModifiedHeader"_s).toByteArray(), dumpsDate);
         // No dumps and no half-built file stay behind; nothing was kept as previous, since
@@ -152,11 +134,11 @@ private Q_SLOTS:
     void emptyBodyInsteadOfADumpLeavesTheLiveCatalogByteForByte()
     {
         QVERIFY(runBuild(*m_service));
-        const QByteArray before = fileDigest(m_service->liveDatabasePath());
+        const QByteArray before = FileDigest::of(m_service->liveDatabasePath());
         m_dumps.setGzipBytes(u"inventory_parts"_s, QByteArray());
         QVERIFY(runBuild(*m_service));
         QCOMPARE(m_service->state(), State::failed(u"Failed to decompress inventory_parts.csv.gz"_s));
-        QCOMPARE(fileDigest(m_service->liveDatabasePath()), before);
+        QCOMPARE(FileDigest::of(m_service->liveDatabasePath()), before);
         QCOMPARE(RebrickableCatalog::shared()->setCount(), 477);
     }
 
@@ -171,11 +153,11 @@ private Q_SLOTS:
     void successfulRebuildKeepsTheFormerCatalogAsThePreviousOne()
     {
         QVERIFY(runBuild(*m_service));
-        const QByteArray first = fileDigest(m_service->liveDatabasePath());
+        const QByteArray first = FileDigest::of(m_service->liveDatabasePath());
         m_dumps.setLastModified("Thu, 03 Apr 2026 06:00:00 GMT");
         QVERIFY(runBuild(*m_service));
         QCOMPARE(m_service->state(), State::completed());
-        QCOMPARE(fileDigest(m_service->previousDatabasePath()), first);
+        QCOMPARE(FileDigest::of(m_service->previousDatabasePath()), first);
         QVERIFY(!QFileInfo::exists(m_service->previousDatabasePath() + u".staging"_s));
         // A good new catalog is no reason to offer the old one back.
         QVERIFY(!m_service->shouldOfferPreviousCatalog());
@@ -186,17 +168,17 @@ private Q_SLOTS:
         QVERIFY(runBuild(*m_service));
         m_dumps.setLastModified("Thu, 03 Apr 2026 06:00:00 GMT");
         QVERIFY(runBuild(*m_service));
-        const QByteArray second = fileDigest(m_service->liveDatabasePath());
+        const QByteArray second = FileDigest::of(m_service->liveDatabasePath());
         m_dumps.setLastModified("Fri, 04 Apr 2026 06:00:00 GMT");
         QVERIFY(runBuild(*m_service));
-        QCOMPARE(fileDigest(m_service->previousDatabasePath()), second);
+        QCOMPARE(FileDigest::of(m_service->previousDatabasePath()), second);
         QCOMPARE(applicationDirectoryEntries(), QStringList({u"rebrickable.sqlite"_s, u"rebrickable.sqlite.previous"_s}));
     }
 
     void emptyNewCatalogKeepsTheOrderAndOutcomeAndOffersThePreviousOne()
     {
         QVERIFY(runBuild(*m_service));
-        const QByteArray good = fileDigest(m_service->liveDatabasePath());
+        const QByteArray good = FileDigest::of(m_service->liveDatabasePath());
 
         m_dumps.setLastModified("Thu, 03 Apr 2026 06:00:00 GMT");
         m_dumps.setGzipBytes(u"sets"_s, DumpServer::gzip("set_num,name,year,theme_id,num_parts,img_url\n"));
@@ -205,17 +187,17 @@ private Q_SLOTS:
         // dumps' date and the build date are stored.
         QCOMPARE(m_service->state(),
                  State::failed(CatalogDatabaseService::description(CatalogDatabaseService::BuildError::emptyDatabase)));
-        QVERIFY(fileDigest(m_service->liveDatabasePath()) != good);
+        QVERIFY(FileDigest::of(m_service->liveDatabasePath()) != good);
         QCOMPARE(RebrickableCatalog::shared()->setCount(), 0);
         QCOMPARE(QSettings().value(u"catalog.lastModifiedHeader"_s).toString(), u"Thu, 03 Apr 2026 06:00:00 GMT"_s);
-        QCOMPARE(fileDigest(m_service->previousDatabasePath()), good);
+        QCOMPARE(FileDigest::of(m_service->previousDatabasePath()), good);
         QVERIFY(m_service->shouldOfferPreviousCatalog());
     }
 
     void restoringPutsTheGoodCatalogBackAndForgetsTheDumpsDate()
     {
         QVERIFY(runBuild(*m_service));
-        const QByteArray good = fileDigest(m_service->liveDatabasePath());
+        const QByteArray good = FileDigest::of(m_service->liveDatabasePath());
         m_dumps.setLastModified("Thu, 03 Apr 2026 06:00:00 GMT");
         m_dumps.setGzipBytes(u"sets"_s, DumpServer::gzip("set_num,name,year,theme_id,num_parts,img_url\n"));
         QVERIFY(runBuild(*m_service));
@@ -225,7 +207,7 @@ private Q_SLOTS:
         const auto outcome = m_service->restorePreviousCatalog();
         QVERIFY(outcome.restored);
         QCOMPARE(outcome.text, u"The previous catalog is back in service: 477 sets."_s);
-        QCOMPARE(fileDigest(m_service->liveDatabasePath()), good);
+        QCOMPARE(FileDigest::of(m_service->liveDatabasePath()), good);
         QVERIFY(!m_service->hasPreviousCatalog());
         QCOMPARE(RebrickableCatalog::shared()->path(), m_service->liveDatabasePath());
         QCOMPARE(RebrickableCatalog::shared()->setCount(), 477);
@@ -240,24 +222,24 @@ private Q_SLOTS:
     void restoringWithoutAPreviousCatalogChangesNothing()
     {
         QVERIFY(runBuild(*m_service));
-        const QByteArray live = fileDigest(m_service->liveDatabasePath());
+        const QByteArray live = FileDigest::of(m_service->liveDatabasePath());
         const auto outcome = m_service->restorePreviousCatalog();
         QVERIFY(!outcome.restored);
         QCOMPARE(outcome.text, u"There is no previous catalog to restore."_s);
-        QCOMPARE(fileDigest(m_service->liveDatabasePath()), live);
+        QCOMPARE(FileDigest::of(m_service->liveDatabasePath()), live);
         QCOMPARE(QSettings().value(u"catalog.lastModifiedHeader"_s).toByteArray(), dumpsDate);
     }
 
     void unreadablePreviousCatalogIsNotRestored()
     {
         QVERIFY(runBuild(*m_service));
-        const QByteArray live = fileDigest(m_service->liveDatabasePath());
+        const QByteArray live = FileDigest::of(m_service->liveDatabasePath());
         const QByteArray garbage(8192, 'x');
         writeFile(m_service->previousDatabasePath(), garbage);
         const auto outcome = m_service->restorePreviousCatalog();
         QVERIFY(!outcome.restored);
         QVERIFY(outcome.text.startsWith(u"The previous catalog cannot be read either"_s));
-        QCOMPARE(fileDigest(m_service->liveDatabasePath()), live);
+        QCOMPARE(FileDigest::of(m_service->liveDatabasePath()), live);
         QFile previous(m_service->previousDatabasePath());
         QVERIFY(previous.open(QIODevice::ReadOnly));
         QCOMPARE(previous.readAll(), garbage);
@@ -275,10 +257,10 @@ private Q_SLOTS:
         m_dumps.setResponse(u"themes"_s, slow);
         m_service->startBuild();
         QTRY_COMPARE(m_service->state().kind, Kind::working);
-        const QByteArray previous = fileDigest(m_service->previousDatabasePath());
+        const QByteArray previous = FileDigest::of(m_service->previousDatabasePath());
         const auto outcome = m_service->restorePreviousCatalog();
         QVERIFY(!outcome.restored);
-        QCOMPARE(fileDigest(m_service->previousDatabasePath()), previous);
+        QCOMPARE(FileDigest::of(m_service->previousDatabasePath()), previous);
         m_service->cancelCurrentTask();
         QTRY_COMPARE_WITH_TIMEOUT(m_service->state(), State::idle(), 20'000);
     }
@@ -288,8 +270,8 @@ private Q_SLOTS:
         QVERIFY(runBuild(*m_service));
         m_dumps.setLastModified("Thu, 03 Apr 2026 06:00:00 GMT");
         QVERIFY(runBuild(*m_service));
-        const QByteArray live = fileDigest(m_service->liveDatabasePath());
-        const QByteArray previous = fileDigest(m_service->previousDatabasePath());
+        const QByteArray live = FileDigest::of(m_service->liveDatabasePath());
+        const QByteArray previous = FileDigest::of(m_service->previousDatabasePath());
         // What a build killed at various points leaves behind.
         writeFile(m_service->buildingDatabasePath(), QByteArray(100'000, 'b'));
         writeFile(m_service->csvDirectory() + u"/sets.csv"_s, "set_num,name\n");
@@ -301,8 +283,8 @@ private Q_SLOTS:
         restarted.removeLeftoversOfInterruptedBuild();
         waitForBackgroundRemovals();
         QCOMPARE(applicationDirectoryEntries(), QStringList({u"rebrickable.sqlite"_s, u"rebrickable.sqlite.previous"_s}));
-        QCOMPARE(fileDigest(m_service->liveDatabasePath()), live);
-        QCOMPARE(fileDigest(m_service->previousDatabasePath()), previous);
+        QCOMPARE(FileDigest::of(m_service->liveDatabasePath()), live);
+        QCOMPARE(FileDigest::of(m_service->previousDatabasePath()), previous);
     }
 
     void leftoversAreNotTouchedWhileABuildWorks()
@@ -331,7 +313,7 @@ private Q_SLOTS:
         QCOMPARE(m_service->state(), State::completed());
         QCOMPARE(RebrickableCatalog::shared()->setCount(), 477);
         QStringList warnings;
-        for (const QString &line : std::as_const(capturedMessages)) {
+        for (const QString &line : m_log->messages()) {
             if (line.startsWith(u"Table "_s))
                 warnings.append(line);
         }
@@ -349,8 +331,8 @@ private Q_SLOTS:
         QCOMPARE(service.state().kind, Kind::failed);
         QVERIFY2(!service.state().errorText.contains(u"SECRET123"_s), qPrintable(service.state().errorText));
         QVERIFY(!service.state().errorText.contains(u"PASSWORD42"_s));
-        QVERIFY(!capturedMessages.isEmpty());
-        for (const QString &line : std::as_const(capturedMessages)) {
+        QVERIFY(!m_log->messages().isEmpty());
+        for (const QString &line : m_log->messages()) {
             QVERIFY2(!line.contains(u"SECRET123"_s), qPrintable(line));
             QVERIFY2(!line.contains(u"PASSWORD42"_s), qPrintable(line));
         }

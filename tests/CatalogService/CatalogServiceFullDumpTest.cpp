@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "DumpServer.h"
+#include "FileDigest.h"
 #include "Services/CatalogDatabaseService.h"
 #include "Services/RebrickableCatalog.h"
 #include "TestEnvironment.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -20,16 +20,6 @@ namespace {
 
 constexpr int buildTimeout = 360'000;
 const QByteArray htmlPage = "<!DOCTYPE html><html><body><p>We will be back soon.</p></body></html>\n";
-
-QByteArray fileDigest(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    hash.addData(&file);
-    return hash.result();
-}
 
 } // namespace
 
@@ -84,14 +74,14 @@ private Q_SLOTS:
         CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
         QVERIFY(runBuild(service));
         QCOMPARE(service.state(), State::completed());
-        const QByteArray before = fileDigest(service.liveDatabasePath());
+        const QByteArray before = FileDigest::of(service.liveDatabasePath());
 
         // The date first: setting it serves every dump afresh.
         m_dumps.setLastModified("Thu, 03 Apr 2026 06:00:00 GMT");
         m_dumps.setGzipBytes(u"sets"_s, htmlPage);
         QVERIFY(runBuild(service));
         QCOMPARE(service.state(), State::failed(u"Failed to decompress sets.csv.gz"_s));
-        QCOMPARE(fileDigest(service.liveDatabasePath()), before);
+        QCOMPARE(FileDigest::of(service.liveDatabasePath()), before);
         QCOMPARE(RebrickableCatalog::shared()->setCount(), 26'452);
         // After a restart the same catalog loads, whole.
         RebrickableCatalog::replaceShared(RebrickableCatalog::open());

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "LogCapture.h"
 #include "LoopbackHttpServer.h"
 #include "Services/AppUpdateService.h"
 #include "TestEnvironment.h"
@@ -75,12 +76,12 @@ private Q_SLOTS:
         feed.setUserInfo(u"someone:PASSWORD42"_s);
         AppUpdateService service(feed, QVersionNumber(0, 1, 0));
         QStringList logged;
-        static QStringList *sink = nullptr;
-        sink = &logged;
-        const QtMessageHandler previous = qInstallMessageHandler(
-            [](QtMsgType, const QMessageLogContext &, const QString &message) { sink->append(message); });
-        const auto result = check(service);
-        qInstallMessageHandler(previous);
+        AppUpdateService::CheckResult result;
+        {
+            const LogCapture log;
+            result = check(service);
+            logged = log.messages();
+        }
         QCOMPARE(result.outcome, Outcome::failed);
         QCOMPARE(result.errorText,
                  u"The update information could not be fetched. Check your internet connection and try again later."_s);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "LogCapture.h"
 #include "TestEnvironment.h"
 #include "Views/TessaloomApp.h"
 
@@ -8,19 +9,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QStringList logged;
-QtMessageHandler previousHandler = nullptr;
-
-void record(QtMsgType type, const QMessageLogContext &context, const QString &message)
-{
-    logged.append(message);
-    previousHandler(type, context, message);
-}
-
-} // namespace
-
 // The program's entry creates the process-wide objects in a fixed order before any window
 // exists: the store, the network monitor, the update service, then the first-run defaults.
 // Each announces itself in the log as it comes into being, so the log records the order.
@@ -29,34 +17,27 @@ class StartUpOrderTest : public QObject
     Q_OBJECT
 
 private:
-    static qsizetype indexOfLine(const QString &start)
-    {
-        for (qsizetype index = 0; index < logged.size(); ++index) {
-            if (logged.at(index).startsWith(start))
-                return index;
-        }
-        return -1;
-    }
+    std::unique_ptr<LogCapture> m_log;
 
 private Q_SLOTS:
     void initTestCase()
     {
         TestEnvironment::isolate();
         qputenv("TESSALOOM_ENDPOINTS", "updates=http://127.0.0.1:9/appcast.xml");
-        previousHandler = qInstallMessageHandler(record);
+        m_log = std::make_unique<LogCapture>();
     }
 
-    void cleanupTestCase() { qInstallMessageHandler(previousHandler); }
+    void cleanupTestCase() { m_log.reset(); }
 
     void storeNetworkMonitorUpdateServiceThenDefaults()
     {
         QVERIFY(!QSettings().contains(u"hasRegisteredDefaults"_s));
         TessaloomApp app;
-        const qsizetype store = indexOfLine(u"Collection store opened:"_s);
-        const qsizetype network = indexOfLine(u"Network monitor started"_s);
-        const qsizetype updates = indexOfLine(u"Update service ready"_s);
-        const qsizetype defaults = indexOfLine(u"Registered defaults"_s);
-        QVERIFY2(store >= 0 && network >= 0 && updates >= 0 && defaults >= 0, qPrintable(logged.join(u'\n')));
+        const qsizetype store = m_log->indexOfMessageStartingWith(u"Collection store opened:"_s);
+        const qsizetype network = m_log->indexOfMessageStartingWith(u"Network monitor started"_s);
+        const qsizetype updates = m_log->indexOfMessageStartingWith(u"Update service ready"_s);
+        const qsizetype defaults = m_log->indexOfMessageStartingWith(u"Registered defaults"_s);
+        QVERIFY2(store >= 0 && network >= 0 && updates >= 0 && defaults >= 0, qPrintable(m_log->messages().join(u'\n')));
         QVERIFY(store < network);
         QVERIFY(network < updates);
         QVERIFY(updates < defaults);
