@@ -55,10 +55,16 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(path(u"missing-ro.sqlite"_s)));
     }
 
-    void openingAMissingFileReadWriteFails()
+    void openingAMissingFileReadWriteFailsWithSQLitesMessage()
     {
-        QVERIFY_THROWS_EXCEPTION(SQLiteError,
-                                 SQLiteConnection(path(u"missing-rw.sqlite"_s), SQLiteConnection::OpenMode::readWrite));
+        try {
+            SQLiteConnection connection(path(u"missing-rw.sqlite"_s), SQLiteConnection::OpenMode::readWrite);
+            QFAIL("opening a missing file read-write succeeded");
+        } catch (const SQLiteError &error) {
+            QCOMPARE(error.kind(), SQLiteError::Kind::openFailed);
+            QCOMPARE(error.message(), u"unable to open database file"_s);
+            QCOMPARE(error.description(), u"Failed to open database: unable to open database file"_s);
+        }
         QVERIFY(!QFileInfo::exists(path(u"missing-rw.sqlite"_s)));
     }
 

@@ -29,10 +29,13 @@
 #include <QAction>
 #include <QApplication>
 #include <QHeaderView>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThreadPool>
@@ -255,6 +258,47 @@ private Q_SLOTS:
         QCOMPARE(PriceLabel::text(Decimal::fromString(u"1234.5"_s), u"USD"_s), u"$1,234.50"_s);
         QCOMPARE(PriceLabel::text(Decimal::fromString(u"89.99"_s), u"CHF"_s), u"CHF 89.99"_s);
         QCOMPARE(PriceLabel::text(std::nullopt, u"USD"_s), QString());
+    }
+
+    void gridCellOfAFavouriteReadsItsStarToScreenReaders()
+    {
+        addCopy(m_castle.objectID, [](BrickSet &copy) { copy.isFavorite = true; });
+        addCopy(m_falcon.objectID);
+        showView();
+        QAbstractItemModel *cells = view().copiesGrid()->model();
+        QCOMPARE(view().copiesGrid()->modelColumn(), int(SetListGroupModel::NameColumn));
+        QCOMPARE(cells->index(0, SetListGroupModel::NameColumn).data(Qt::AccessibleTextRole).toString(),
+                 u"Lion Knights' Castle, Favorite"_s);
+        QCOMPARE(cells->index(1, SetListGroupModel::NameColumn).data(Qt::AccessibleTextRole).toString(),
+                 u"Millennium Falcon"_s);
+    }
+
+    void conditionBadgeFillsItsCapsuleAtFifteenPercentOfTheConditionsColour()
+    {
+        QStandardItemModel conditions;
+        auto *item = new QStandardItem;
+        item->setData(u"new"_s, Qt::UserRole + 1);
+        conditions.appendRow(item);
+        const ConditionBadge badge(Qt::UserRole + 1);
+        QImage canvas(200, 40, QImage::Format_ARGB32_Premultiplied);
+        canvas.fill(Qt::white);
+        QStyleOptionViewItem option;
+        option.rect = canvas.rect();
+        option.font = QApplication::font();
+        option.state = QStyle::State_Enabled;
+        {
+            QPainter painter(&canvas);
+            badge.paint(&painter, option, conditions.index(0, 0));
+        }
+        // Just inside the capsule's rounded left end, at its middle: clear of the edge's
+        // smoothing and of the label, which starts after the padding.
+        const QColor inside = canvas.pixelColor(2 + 3, canvas.height() / 2);
+        const QColor tint = ConditionBadge::color(u"new"_s);
+        const auto blended = [](int colour) { return qRound(255 * (1 - ConditionBadge::fillOpacity) + colour * ConditionBadge::fillOpacity); };
+        QVERIFY2(qAbs(inside.red() - blended(tint.red())) <= 3 && qAbs(inside.green() - blended(tint.green())) <= 3
+                     && qAbs(inside.blue() - blended(tint.blue())) <= 3,
+                 qPrintable(inside.name()));
+        QCOMPARE(ConditionBadge::fillOpacity, 0.15f);
     }
 
     void viewPickerSwitchesBetweenGridAndTableAndStoresTheChoice()

@@ -297,6 +297,12 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
         return catalogSet ? int(catalogSet->pieceCount) : 0;
     case IsFavoriteRole:
         return brickSet.isFavorite;
+    case Qt::AccessibleTextRole:
+        // What a screen reader says for a cell: the name, and the star a favourite shows.
+        if (index.column() != NameColumn)
+            return {};
+        return brickSet.isFavorite ? QString(nameText(*group.copy) + u", "_s + qtTrId("accessibility.favorited"))
+                                   : nameText(*group.copy);
     case CopyCountRole:
         return group.copyCount;
     case ConditionRole:

@@ -52,9 +52,14 @@ void ConditionBadge::paint(QPainter *painter, const QStyleOptionViewItem &option
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
-    painter->setBrush(color(rawValue));
+    // A faint fill of the condition's colour with the label in that colour: the badge tells
+    // the condition at a glance without outshouting the row.
+    const QColor tint = color(rawValue);
+    QColor fill = tint;
+    fill.setAlphaF(fillOpacity);
+    painter->setBrush(fill);
     painter->drawRoundedRect(capsule, height / 2.0, height / 2.0);
-    painter->setPen(Qt::white);
+    painter->setPen(tint);
     painter->drawText(capsule, Qt::AlignCenter, metrics.elidedText(label, Qt::ElideRight, width - horizontalPadding));
     painter->restore();
 }

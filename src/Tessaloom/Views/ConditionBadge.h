@@ -17,6 +17,8 @@ public:
     // The capsule's text and colour for a stored raw value; empty text for none.
     static QString text(const QString &rawValue);
     static QColor color(const QString &rawValue);
+    // How much of the colour the badge's fill takes.
+    static constexpr float fillOpacity = 0.15f;
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
