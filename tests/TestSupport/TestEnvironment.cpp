@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "TestEnvironment.h"
 
+#include "LoopbackOnlyProxyFactory.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QSettings>
@@ -32,6 +34,7 @@ void TestEnvironment::isolate()
     QSettings::setDefaultFormat(QSettings::IniFormat);
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, base + u"/config"_s);
     QSettings().clear();
+    LoopbackOnlyProxyFactory::install();
 }
 
 QString TestEnvironment::temporaryRoot()

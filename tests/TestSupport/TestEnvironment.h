@@ -8,7 +8,8 @@
 
 // Isolates one test executable from the user's real files: test mode for standard paths,
 // a fresh temporary HOME and XDG folders, and settings under that folder, so no test reads
-// or writes what another test or the user left behind.
+// or writes what another test or the user left behind; and from the network beyond this
+// machine (LoopbackOnlyProxyFactory).
 class TestEnvironment
 {
 public:

@@ -11,6 +11,12 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 "$@" 2>&1 | tee "$log"
 status=${PIPESTATUS[0]}
+# No test talks to a host other than this machine (TestEnvironment blocks and names them).
+if grep -q 'Blocked a connection to' "$log"; then
+    echo "This test tried to reach a host other than 127.0.0.1:" >&2
+    grep 'Blocked a connection to' "$log" | sort -u >&2
+    exit 1
+fi
 if [ "$status" -eq 0 ] && grep -Eq '^Totals: [0-9]+ passed, 0 failed, [1-9][0-9]* skipped' "$log"; then
     exit 77
 fi
