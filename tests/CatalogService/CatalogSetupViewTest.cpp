@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using Kind = CatalogDatabaseService::State::Kind;
@@ -98,7 +99,12 @@ private Q_SLOTS:
         QTest::mouseClick(sheet.primaryButton(), Qt::LeftButton);
         QTRY_COMPARE_WITH_TIMEOUT(sheet.currentPart(), u"failed"_s, 60'000);
         QCOMPARE(sheet.failureText(), u"Failed to download sets.csv.gz: HTTP 404"_s);
-        QTest::qWait(700);
+        // A completed build closes the sheet half a second later, on a coarse timer that may
+        // run 5 % late. A longer, precise one started once the failure shows runs out after
+        // any such close the failure would have started, so that close would have come first.
+        bool closeWouldHaveCome = false;
+        QTimer::singleShot(700, Qt::PreciseTimer, this, [&closeWouldHaveCome] { closeWouldHaveCome = true; });
+        QTRY_VERIFY(closeWouldHaveCome);
         QVERIFY(sheet.isVisible());
 
         m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR), TestEnvironment::temporaryRoot() + u"/dumps"_s);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "ImageCacheIdle.h"
 #include "LoopbackHttpServer.h"
 #include "Services/ImageCacheKey.h"
 #include "Services/ImageCacheService.h"
@@ -66,9 +67,9 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        // Downloads that outlived their widget finish before the service goes.
-        QTRY_VERIFY(m_service->fetchSemaphore().count() == 8 && m_server.inFlightRequests() == 0);
-        QTest::qWait(20);
+        // Downloads that outlived their widget finish, and store what they got, before the
+        // service goes.
+        QVERIFY(ImageCacheIdle::waitFor(*m_service, m_server));
         m_service.reset();
         m_caches.reset();
     }
@@ -79,8 +80,16 @@ private Q_SLOTS:
         widget->show();
         QCOMPARE(widget->phase(), CachedAsyncImage::Phase::empty);
         QVERIFY(!busyIndicator(*widget)->isVisible());
-        QTest::qWait(50);
-        QCOMPARE(m_server.requestCount(), 0);
+        // A second widget, shown after this one, loads a picture: once that load and
+        // everything else the cache had under way are over, a request of this one would be in.
+        m_server.serveBytes(u"/view/after-empty.png"_s, TestPictures::png());
+        const auto later = makeWidget(url(u"/view/after-empty.png"_s));
+        later->show();
+        QTRY_COMPARE(later->phase(), CachedAsyncImage::Phase::success);
+        QVERIFY(ImageCacheIdle::waitFor(*m_service, m_server));
+        QCOMPARE(m_server.requestCount(), m_server.requestCount(u"/view/after-empty.png"_s));
+        QCOMPARE(m_server.requestCount(), 1);
+        QCOMPARE(widget->phase(), CachedAsyncImage::Phase::empty);
     }
 
     void showsABusyIndicatorWhileLoading()
@@ -142,8 +151,16 @@ private Q_SLOTS:
     {
         m_server.serveBytes(u"/view/later.png"_s, TestPictures::png());
         const auto widget = makeWidget(url(u"/view/later.png"_s));
-        QTest::qWait(100);
+        // A second widget, made and shown after the hidden one, loads a picture: once that
+        // load and everything else the cache had under way are over, a load of the hidden
+        // one would have reached the server.
+        m_server.serveBytes(u"/view/shown.png"_s, TestPictures::png());
+        const auto shown = makeWidget(url(u"/view/shown.png"_s));
+        shown->show();
+        QTRY_COMPARE(shown->phase(), CachedAsyncImage::Phase::success);
+        QVERIFY(ImageCacheIdle::waitFor(*m_service, m_server));
         QCOMPARE(m_server.requestCount(u"/view/later.png"_s), 0);
+        QVERIFY(widget->image().isNull());
         widget->show();
         QTRY_COMPARE(widget->phase(), CachedAsyncImage::Phase::success);
     }
@@ -170,8 +187,12 @@ private Q_SLOTS:
         QTRY_COMPARE(widget->phase(), CachedAsyncImage::Phase::success);
         QCOMPARE(widget->image().size(), QSize(6, 6));
         QTRY_VERIFY(m_service->memoryCache().contains(ImageCacheKey::forUrl(url(u"/view/old.png"_s))));
-        QTest::qWait(20);
+        // The old download has ended and handed its picture to every load that awaited it,
+        // the cancelled one of this widget included.
+        QVERIFY(ImageCacheIdle::waitFor(*m_service, m_server));
+        QVERIFY(!m_service->isInFlight(url(u"/view/old.png"_s)));
         QCOMPARE(widget->image().size(), QSize(6, 6)); // the old answer did not land here
+        QCOMPARE(widget->phase(), CachedAsyncImage::Phase::success);
     }
 
     void widgetDeletedBeforeItsPictureArrivesIsNotTouchedAndTheOthersGetThePicture()

@@ -271,6 +271,7 @@ private Q_SLOTS:
         auto &context = m_store->viewContext();
         auto copy = context.insert(newCopy(std::nullopt));
         context.save();
+        QSignalSpy notices(m_store.get(), &PersistentContainer::objectsDidChange);
         auto background = m_store->newBackgroundContext();
         background->performAndWait([&](ManagedObjectContext &c) {
             auto other = *c.existingObject<BrickSet>(copy.objectID);
@@ -278,7 +279,9 @@ private Q_SLOTS:
             c.update(other);
             c.save();
         });
-        QTest::qWait(0);
+        // The background save has been announced on this thread before the view edits.
+        QTRY_COMPARE(notices.size(), 1);
+        QVERIFY(notices.first().first().value<StoreChanges>().updated.contains(copy.objectID));
         copy.isTrashed = true; // the view still holds the value from before the background save
         context.update(copy);
         context.save();
@@ -360,20 +363,24 @@ private Q_SLOTS:
     void longBackgroundBlockWithPendingChangesLetsOtherWritersIn()
     {
         std::atomic<bool> otherSaved = false;
+        std::atomic<bool> readingWithPendingChanges = false;
         auto reader = m_store->newBackgroundContext();
         auto writer = m_store->newBackgroundContext();
         // A long find-or-create loop: pending changes keep a write transaction open for
         // its reads, which must be let go now and then.
-        auto loop = reader->perform([&otherSaved](ManagedObjectContext &context) {
+        auto loop = reader->perform([&otherSaved, &readingWithPendingChanges](ManagedObjectContext &context) {
             context.insert(catalogSet(u"1-1"_s, u"Pending"_s));
             QElapsedTimer timer;
             timer.start();
-            while (!otherSaved && timer.elapsed() < 8000)
+            while (!otherSaved && timer.elapsed() < 8000) {
                 context.count(FetchRequest<CatalogSet>(Predicate::equal(u"setNumber"_s, u"1-1"_s)));
+                readingWithPendingChanges = true;
+            }
             context.save();
             return bool(otherSaved);
         });
-        QTest::qWait(50);
+        // The other writer comes only once the loop has read with its changes pending.
+        QTRY_VERIFY(readingWithPendingChanges.load());
         writer->performAndWait([](ManagedObjectContext &context) {
             context.insert(catalogSet(u"2-1"_s, u"Other"_s));
             context.save();
