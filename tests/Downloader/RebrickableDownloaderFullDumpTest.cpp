@@ -3,8 +3,8 @@
 // byte for byte as the download host does: their real sizes and row counts, and an event
 // loop that keeps turning while the largest of them unpacks. Skipped whole when the dumps
 // are not beside the checkout; RebrickableDownloaderTest covers the rest with small dumps.
+#include "DumpHostFixture.h"
 #include "GzipTestFiles.h"
-#include "LoopbackHttpServer.h"
 #include "TaskOutcome.h"
 #include "TestEnvironment.h"
 
@@ -36,66 +36,27 @@ const QHash<QString, qint64> &expectedRows()
     return rows;
 }
 
-QString urlPath(const QString &name)
-{
-    return u"/media/downloads/"_s + name + u".csv.gz"_s;
-}
-
-qint64 lineCount(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    qint64 lines = 0;
-    while (!file.atEnd())
-        lines += file.read(1 << 20).count('\n');
-    return lines;
-}
-
 } // namespace
 
-class RebrickableDownloaderFullDumpTest : public QObject
+class RebrickableDownloaderFullDumpTest : public QObject, private DumpHostFixture
 {
     Q_OBJECT
-
-private:
-    std::unique_ptr<LoopbackHttpServer> m_server;
-    std::unique_ptr<QTemporaryDir> m_work;
-    QString m_dumps;
-
-    QString outputDirectory() const { return m_work->filePath(u"RebrickableCSV"_s); }
-    QString output(const QString &fileName) const { return outputDirectory() + u'/' + fileName; }
-    QString dump(const QString &name) const { return m_dumps + u'/' + name + u".csv.gz"_s; }
-
-    std::unique_ptr<RebrickableDownloader> makeDownloader() const
-    {
-        return std::make_unique<RebrickableDownloader>(outputDirectory(), m_server->baseUrl());
-    }
 
 private Q_SLOTS:
     void initTestCase()
     {
         TestEnvironment::isolate();
-        m_dumps = TestEnvironment::sharedDumpDirectory();
-        if (m_dumps.isEmpty())
+        if (!findFullDumps())
             QSKIP("The full-size dumps are not beside the checkout");
     }
 
     void init()
     {
-        m_server = std::make_unique<LoopbackHttpServer>();
-        QVERIFY(m_server->listen());
-        m_work = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_work->isValid());
-        for (const QString &name : RebrickableDownloader::dumpNames())
-            m_server->serveFile(urlPath(name), dump(name), {{"Last-Modified", "Thu, 02 Apr 2026 06:12:44 GMT"}});
+        start();
+        serveDumpFolder(m_fullDumps);
     }
 
-    void cleanup()
-    {
-        m_server.reset();
-        m_work.reset();
-    }
+    void cleanup() { stop(); }
 
     void downloadsAndUnpacksAllTwelveFullSizeDumps()
     {
@@ -107,7 +68,7 @@ private Q_SLOTS:
             const QString &name = names.at(i);
             const QString csv = output(name + u".csv"_s);
             QCOMPARE(outcome.value->at(i), csv);
-            QCOMPARE(QFileInfo(csv).size(), GzipTestFiles::recordedUnpackedSize(dump(name)));
+            QCOMPARE(QFileInfo(csv).size(), GzipTestFiles::recordedUnpackedSize(fullDump(name)));
             QCOMPARE(lineCount(csv), expectedRows().value(name) + 1);
         }
         // Byte for byte what was published, down to the dumps' CRLF line ends.

@@ -3,8 +3,8 @@
 // host should not: an error page or nothing in place of a dump, a body that trickles, a
 // redirect loop, and a base address that carries credentials. The dumps here are small
 // gzip files made in the test.
+#include "DumpHostFixture.h"
 #include "GzipTestFiles.h"
-#include "LoopbackHttpServer.h"
 #include "TaskOutcome.h"
 #include "TestEnvironment.h"
 
@@ -30,18 +30,10 @@ namespace {
 const QByteArray htmlPage = "<!DOCTYPE html>\n<html><head><title>Down for maintenance</title></head>\n"
                             "<body><p>We'll be back soon.</p></body></html>\n";
 
-// The address parts that must never show in a text: user name, password, query, fragment.
-const QStringList secretParts = {u"someone"_s, u"hunter2"_s, u"SECRET123"_s, u"apikey"_s, u"frag"_s};
-
 // The guard's window in these tests: long enough that a healthy slow body clears it many
 // times over on a busy machine, short enough that a trickle ends within a second or two.
 constexpr auto testRateWindow = 400ms;
 constexpr qint64 testMinimumBytes = 1024;
-
-QString urlPath(const QString &name)
-{
-    return u"/media/downloads/"_s + name + u".csv.gz"_s;
-}
 
 QByteArray smallCsv(const QString &name)
 {
@@ -60,22 +52,11 @@ QByteArray randomText(qsizetype size)
 
 } // namespace
 
-class RebrickableDownloaderServerFaultsTest : public QObject
+class RebrickableDownloaderServerFaultsTest : public QObject, private DumpHostFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LoopbackHttpServer> m_server;
-    std::unique_ptr<QTemporaryDir> m_work;
-
-    QString outputDirectory() const { return m_work->filePath(u"RebrickableCSV"_s); }
-    QString output(const QString &fileName) const { return outputDirectory() + u'/' + fileName; }
-
-    std::unique_ptr<RebrickableDownloader> makeDownloader() const
-    {
-        return std::make_unique<RebrickableDownloader>(outputDirectory(), m_server->baseUrl());
-    }
-
     // The dumps before `name` arrived whole, nothing of `name` itself took the final name
     // ".csv", and the ones after it were never asked for.
     void verifyStoppedAt(const QString &name)
@@ -97,7 +78,7 @@ private:
     void verifyNoSecretIn(const QString &text)
     {
         QVERIFY(!text.isEmpty());
-        for (const QString &secret : secretParts)
+        for (const QString &secret : secretParts())
             QVERIFY2(!text.contains(secret, Qt::CaseInsensitive), qPrintable(text));
     }
 
@@ -107,19 +88,6 @@ private:
         verifyNoSecretIn(QString::fromUtf8(error.what()));
         verifyNoSecretIn(error.url().toString());
         verifyNoSecretIn(error.url().toString(QUrl::FullyEncoded));
-    }
-
-    // The loopback server's address with a user name, a password, a path, an API key in
-    // the query and a fragment, as a careless configuration might give it.
-    QUrl addressWithSecrets() const
-    {
-        QUrl url = m_server->baseUrl();
-        url.setUserName(u"someone"_s);
-        url.setPassword(u"hunter2"_s);
-        url.setPath(u"/x"_s);
-        url.setQuery(u"apikey=SECRET123"_s);
-        url.setFragment(u"frag"_s);
-        return url;
     }
 
     // Answers `path` with a redirect to itself, for ever.
@@ -139,19 +107,12 @@ private Q_SLOTS:
 
     void init()
     {
-        m_server = std::make_unique<LoopbackHttpServer>();
-        QVERIFY(m_server->listen());
-        m_work = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_work->isValid());
+        start();
         for (const QString &name : RebrickableDownloader::dumpNames())
             m_server->serveBytes(urlPath(name), GzipTestFiles::compress(smallCsv(name)));
     }
 
-    void cleanup()
-    {
-        m_server.reset();
-        m_work.reset();
-    }
+    void cleanup() { stop(); }
 
     void theRateGuardDefaultsToOneKibibyteAMinute()
     {

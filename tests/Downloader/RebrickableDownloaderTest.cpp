@@ -3,8 +3,8 @@
 // made in the test byte for byte as the download host serves its files, and against a
 // server that misbehaves. The full-size dumps have a test of their own
 // (RebrickableDownloaderFullDumpTest), so this one runs whole on a fresh clone.
+#include "DumpHostFixture.h"
 #include "GzipTestFiles.h"
-#include "LoopbackHttpServer.h"
 #include "SmallDumpFiles.h"
 #include "TaskOutcome.h"
 #include "TestEnvironment.h"
@@ -31,29 +31,9 @@ using namespace RebrickableKit;
 
 namespace {
 
-using Headers = QList<QPair<QByteArray, QByteArray>>;
-
-const QByteArray publishedDate = "Thu, 02 Apr 2026 06:12:44 GMT";
-
 // A slow response goes out in pieces this large, one every 40 ms: the sets dump then takes
 // well over half a second, long enough to be caught in the middle.
 constexpr int slowChunkSize = 4 * 1024;
-
-QString urlPath(const QString &name)
-{
-    return u"/media/downloads/"_s + name + u".csv.gz"_s;
-}
-
-qint64 lineCount(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    qint64 lines = 0;
-    while (!file.atEnd())
-        lines += file.read(1 << 20).count('\n');
-    return lines;
-}
 
 struct ProgressCall
 {
@@ -65,32 +45,17 @@ struct ProgressCall
 
 } // namespace
 
-class RebrickableDownloaderTest : public QObject
+class RebrickableDownloaderTest : public QObject, private DumpHostFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LoopbackHttpServer> m_server;
-    std::unique_ptr<QTemporaryDir> m_work;
     QTemporaryDir m_dumpFolder;
     std::unique_ptr<SmallDumpFiles> m_dumps;
 
-    QString outputDirectory() const { return m_work->filePath(u"RebrickableCSV"_s); }
-    QString output(const QString &fileName) const { return outputDirectory() + u'/' + fileName; }
     QString dump(const QString &name) const { return m_dumps->path(name); }
     // Data rows of a dump as the test wrote it (lines after the header).
     qint64 expectedRows(const QString &name) const { return m_dumps->rows(name); }
-
-    std::unique_ptr<RebrickableDownloader> makeDownloader() const
-    {
-        return std::make_unique<RebrickableDownloader>(outputDirectory(), m_server->baseUrl());
-    }
-
-    void serveAllDumps(const Headers &headers = {{"Last-Modified", publishedDate}})
-    {
-        for (const QString &name : RebrickableDownloader::dumpNames())
-            m_server->serveFile(urlPath(name), dump(name), headers);
-    }
 
     // A response for `name` that goes out slowly enough to be caught in the middle.
     void serveSlowly(const QString &name, std::optional<qint64> cutAfter = std::nullopt)
@@ -149,18 +114,11 @@ private Q_SLOTS:
 
     void init()
     {
-        m_server = std::make_unique<LoopbackHttpServer>();
-        QVERIFY(m_server->listen());
-        m_work = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_work->isValid());
-        serveAllDumps();
+        start();
+        serveDumpFolder(m_dumps->folder());
     }
 
-    void cleanup()
-    {
-        m_server.reset();
-        m_work.reset();
-    }
+    void cleanup() { stop(); }
 
     // --- The list of dumps and their addresses
 

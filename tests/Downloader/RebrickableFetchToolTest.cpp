@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // rebrickable-fetch as a process, pointed at a loopback server through TESSALOOM_ENDPOINTS,
 // with dumps made in the test. RebrickableFetchToolFullDumpTest runs it on the full-size ones.
+#include "DumpHostFixture.h"
 #include "GzipTestFiles.h"
-#include "LoopbackHttpServer.h"
 #include "SmallDumpFiles.h"
 #include "TestEnvironment.h"
 
@@ -11,7 +11,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -21,48 +20,14 @@ using namespace Qt::StringLiterals;
 using RebrickableKit::RebrickableDatabase;
 using RebrickableKit::RebrickableDownloader;
 
-namespace {
-
-QString urlPath(const QString &name)
-{
-    return u"/media/downloads/"_s + name + u".csv.gz"_s;
-}
-
-} // namespace
-
-class RebrickableFetchToolTest : public QObject
+class RebrickableFetchToolTest : public QObject, private DumpHostFixture
 {
     Q_OBJECT
 
 private:
-    struct Run
+    ToolRun fetch(const QStringList &arguments, const QUrl &baseUrl = {}) const
     {
-        int exitCode = -1;
-        QString output;
-        QString errors;
-    };
-
-    std::unique_ptr<LoopbackHttpServer> m_server;
-    std::unique_ptr<QTemporaryDir> m_work;
-
-    // The server runs on its own thread, so it answers while this thread waits here.
-    Run run(const QString &program, const QStringList &arguments, const QUrl &baseUrl = {}) const
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"TESSALOOM_ENDPOINTS"_s,
-                           u"rebrickable="_s + (baseUrl.isEmpty() ? m_server->baseUrl() : baseUrl).toString());
-        process.setProcessEnvironment(environment);
-        process.start(program, arguments);
-        if (!process.waitForFinished(240000))
-            return {};
-        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-                QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
-    }
-
-    Run fetch(const QStringList &arguments, const QUrl &baseUrl = {}) const
-    {
-        return run(QStringLiteral(REBRICKABLE_FETCH), arguments, baseUrl);
+        return runTool(QStringLiteral(REBRICKABLE_FETCH), arguments, baseUrl);
     }
 
     // Every dump as a small gzip file, under `prefix` in front of the download path.
@@ -72,26 +37,13 @@ private:
             m_server->serveBytes(prefix + urlPath(name), GzipTestFiles::compress("id,name\n1,x\n"));
     }
 
-    // The loopback server's address with credentials, a path, an API key and a fragment.
-    QUrl addressWithSecrets() const
+    static void verifyNoSecretIn(const ToolRun &result)
     {
-        QUrl url = m_server->baseUrl();
-        url.setUserInfo(u"someone:hunter2"_s);
-        url.setPath(u"/x"_s);
-        url.setQuery(u"apikey=SECRET123"_s);
-        url.setFragment(u"frag"_s);
-        return url;
-    }
-
-    static void verifyNoSecretIn(const Run &result)
-    {
-        for (const QString &secret : {u"someone"_s, u"hunter2"_s, u"SECRET123"_s, u"apikey"_s, u"frag"_s}) {
+        for (const QString &secret : secretParts()) {
             QVERIFY2(!result.output.contains(secret), qPrintable(result.output));
             QVERIFY2(!result.errors.contains(secret), qPrintable(result.errors));
         }
     }
-
-    QString folder(const QString &name) const { return m_work->filePath(name); }
 
 private Q_SLOTS:
     void initTestCase()
@@ -99,28 +51,17 @@ private Q_SLOTS:
         TestEnvironment::isolate();
     }
 
-    void init()
-    {
-        m_server = std::make_unique<LoopbackHttpServer>();
-        QVERIFY(m_server->listen());
-        m_work = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_work->isValid());
-    }
+    void init() { start(); }
 
-    void cleanup()
-    {
-        m_server.reset();
-        m_work.reset();
-    }
+    void cleanup() { stop(); }
 
     void fetchesAndUnpacksTheTwelveDumpsWithProgress()
     {
         QVERIFY(QDir().mkpath(folder(u"served"_s)));
         const SmallDumpFiles dumps(folder(u"served"_s));
         QVERIFY(dumps.isValid());
-        for (const QString &name : RebrickableDownloader::dumpNames())
-            m_server->serveFile(urlPath(name), dumps.path(name), {{"Last-Modified", "Thu, 02 Apr 2026 06:12:44 GMT"}});
-        const Run result = fetch({folder(u"dumps"_s)});
+        serveDumpFolder(dumps.folder());
+        const ToolRun result = fetch({folder(u"dumps"_s)});
         QVERIFY2(result.exitCode == 0, qPrintable(result.errors));
         QVERIFY(result.output.contains(m_server->baseUrl().toString() + u"/media/downloads/"_s));
         QVERIFY(result.output.contains(u"[ 1/12] themes.csv.gz"_s));
@@ -145,11 +86,11 @@ private Q_SLOTS:
             QVERIFY2(!plain.isEmpty(), qPrintable(name));
             m_server->serveBytes(urlPath(name), GzipTestFiles::compress(plain));
         }
-        const Run fetched = fetch({folder(u"dumps"_s)});
+        const ToolRun fetched = fetch({folder(u"dumps"_s)});
         QVERIFY2(fetched.exitCode == 0, qPrintable(fetched.errors));
 
         const QString database = folder(u"rebrickable.sqlite"_s);
-        const Run built = run(QStringLiteral(REBRICKABLE_BUILD_DB), {folder(u"dumps"_s), database});
+        const ToolRun built = runTool(QStringLiteral(REBRICKABLE_BUILD_DB), {folder(u"dumps"_s), database});
         QVERIFY2(built.exitCode == 0, qPrintable(built.errors));
         RebrickableDatabase catalog(database);
         const auto gears = catalog.set(u"001-1"_s);
@@ -162,7 +103,7 @@ private Q_SLOTS:
         for (const QString &name : RebrickableDownloader::dumpNames())
             m_server->serveBytes(urlPath(name), GzipTestFiles::compress("id,name\n1,x\n"));
         m_server->serveBytes(urlPath(u"sets"_s), "Not Found", 404);
-        const Run result = fetch({folder(u"dumps"_s)});
+        const ToolRun result = fetch({folder(u"dumps"_s)});
         QCOMPARE(result.exitCode, 1);
         QVERIFY2(result.errors.contains(u"rebrickable-fetch: Failed to download sets.csv.gz: HTTP 404"_s),
                  qPrintable(result.errors));
@@ -178,7 +119,7 @@ private Q_SLOTS:
         for (const QString &name : RebrickableDownloader::dumpNames())
             m_server->serveBytes(urlPath(name), packed);
         m_server->serveBytes(urlPath(u"colors"_s), packed.left(packed.size() / 2));
-        const Run result = fetch({folder(u"dumps"_s)});
+        const ToolRun result = fetch({folder(u"dumps"_s)});
         QCOMPARE(result.exitCode, 1);
         QVERIFY2(result.errors.contains(u"Failed to decompress colors.csv.gz"_s), qPrintable(result.errors));
         QVERIFY(QFileInfo::exists(folder(u"dumps/themes.csv"_s)));
@@ -191,7 +132,7 @@ private Q_SLOTS:
         serveSmallDumps();
         m_server->serveBytes(urlPath(u"sets"_s), "<!DOCTYPE html><html><body>Service Unavailable</body></html>", 200,
                              {{"Content-Type", "text/html"}});
-        const Run result = fetch({folder(u"dumps"_s)});
+        const ToolRun result = fetch({folder(u"dumps"_s)});
         QCOMPARE(result.exitCode, 1);
         QVERIFY2(result.errors.contains(u"rebrickable-fetch: Failed to decompress sets.csv.gz"_s), qPrintable(result.errors));
         QVERIFY(!result.output.contains(u"Unpacked"_s));
@@ -205,7 +146,7 @@ private Q_SLOTS:
     {
         serveSmallDumps();
         m_server->serveBytes(urlPath(u"parts"_s), QByteArray());
-        const Run result = fetch({folder(u"dumps"_s)});
+        const ToolRun result = fetch({folder(u"dumps"_s)});
         QCOMPARE(result.exitCode, 1);
         QVERIFY2(result.errors.contains(u"rebrickable-fetch: Failed to decompress parts.csv.gz"_s), qPrintable(result.errors));
         QVERIFY(QFileInfo::exists(folder(u"dumps/part_categories.csv"_s)));
@@ -218,7 +159,7 @@ private Q_SLOTS:
         serveSmallDumps();
         m_server->serveBytes(urlPath(u"colors"_s), QByteArray(), 301,
                              {{"Location", m_server->url(urlPath(u"colors"_s)).toEncoded()}});
-        const Run result = fetch({folder(u"dumps"_s)});
+        const ToolRun result = fetch({folder(u"dumps"_s)});
         QCOMPARE(result.exitCode, 1);
         QVERIFY2(result.errors.contains(u"The server at 127.0.0.1 kept redirecting the request in a loop."_s),
                  qPrintable(result.errors));
@@ -229,20 +170,20 @@ private Q_SLOTS:
         serveSmallDumps(u"/x"_s);
         m_server->serveBytes(u"/x"_s + urlPath(u"themes"_s), QByteArray(), 302,
                              {{"Location", m_server->url(u"/x"_s + urlPath(u"themes"_s)).toEncoded()}});
-        const Run looped = fetch({folder(u"dumps"_s)}, addressWithSecrets());
+        const ToolRun looped = fetch({folder(u"dumps"_s)}, addressWithSecrets());
         QCOMPARE(looped.exitCode, 1);
         QVERIFY2(looped.output.contains(m_server->baseUrl().toString() + u"/x/media/downloads/NAME.csv.gz"_s),
                  qPrintable(looped.output));
         verifyNoSecretIn(looped);
 
-        const Run checked = fetch({u"--check"_s}, addressWithSecrets());
+        const ToolRun checked = fetch({u"--check"_s}, addressWithSecrets());
         QVERIFY2(checked.exitCode == 0, qPrintable(checked.errors));
         QVERIFY2(checked.output.contains(u"Checking "_s + m_server->baseUrl().toString() + u"/x/media/downloads/sets.csv.gz\n"_s),
                  qPrintable(checked.output));
         verifyNoSecretIn(checked);
 
         m_server->close();
-        const Run refused = fetch({folder(u"dumps"_s)}, addressWithSecrets());
+        const ToolRun refused = fetch({folder(u"dumps"_s)}, addressWithSecrets());
         QCOMPARE(refused.exitCode, 1);
         QVERIFY2(refused.errors.contains(u"rebrickable-fetch: "_s), qPrintable(refused.errors));
         verifyNoSecretIn(refused);
@@ -252,7 +193,7 @@ private Q_SLOTS:
     {
         const QString deadHost = m_server->baseUrl().toString();
         m_server->close();
-        const Run result = fetch({folder(u"dumps"_s)});
+        const ToolRun result = fetch({folder(u"dumps"_s)});
         QCOMPARE(result.exitCode, 1);
         QVERIFY2(result.errors.contains(u"rebrickable-fetch: "_s), qPrintable(result.errors));
         QVERIFY2(result.errors.contains(deadHost), qPrintable(result.errors));
@@ -261,7 +202,7 @@ private Q_SLOTS:
     void checkPrintsTheLastModifiedHeaderAndDownloadsNothing()
     {
         m_server->serveBytes(urlPath(u"sets"_s), "x", 200, {{"Last-Modified", "Thu, 02 Apr 2026 06:12:44 GMT"}});
-        const Run result = fetch({u"--check"_s});
+        const ToolRun result = fetch({u"--check"_s});
         QVERIFY2(result.exitCode == 0, qPrintable(result.errors));
         QVERIFY(result.output.contains(u"Last-Modified: Thu, 02 Apr 2026 06:12:44 GMT"_s));
         QCOMPARE(m_server->requestCount(), 1);
@@ -270,7 +211,7 @@ private Q_SLOTS:
 
     void withoutAFolderItShowsItsUsage()
     {
-        const Run result = fetch({});
+        const ToolRun result = fetch({});
         QCOMPARE(result.exitCode, 2);
         QVERIFY(result.errors.contains(u"DIR"_s));
         QCOMPARE(m_server->requestCount(), 0);
@@ -279,7 +220,7 @@ private Q_SLOTS:
     void aFileInPlaceOfTheFolderIsNamedAndFails()
     {
         GzipTestFiles::writeAll(folder(u"taken"_s), "x");
-        const Run result = fetch({folder(u"taken"_s)});
+        const ToolRun result = fetch({folder(u"taken"_s)});
         QCOMPARE(result.exitCode, 1);
         QVERIFY(result.errors.contains(u"Not a directory: "_s + folder(u"taken"_s)));
     }

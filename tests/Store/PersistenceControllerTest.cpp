@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "FileDigest.h"
 #include "StoreFixtures.h"
+#include "StoreTestProcesses.h"
 #include "TestEnvironment.h"
 
 #include "Store/PersistenceController.h"
 
-#include <QCryptographicHash>
 #include <QFile>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace StoreFixtures;
@@ -50,11 +48,11 @@ private Q_SLOTS:
         QTemporaryDir folder;
         const QString path = folder.filePath(u"Tessaloom.sqlite"_s);
         writeFile(path, QByteArray("These are my notes, not a database.\n").repeated(200));
-        const QByteArray before = digest(path);
+        const QByteArray before = FileDigest::of(path);
         const StoreError error = openFailure(path);
         QCOMPARE(error.kind(), StoreError::Kind::notADatabase);
         QVERIFY2(error.description().contains(path), qPrintable(error.description()));
-        QCOMPARE(digest(path), before);
+        QCOMPARE(FileDigest::of(path), before);
         QVERIFY(!QFile::exists(path + u"-wal"_s));
     }
 
@@ -69,28 +67,12 @@ private Q_SLOTS:
         }
         QVERIFY(!QFile::exists(path + u"-wal"_s)); // the last connection checkpointed and removed it
         QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
-        const QByteArray before = digest(path);
-        if (::geteuid() != 0) {
-            const StoreError error = openFailure(path);
-            QCOMPARE(error.kind(), StoreError::Kind::readOnly);
-            QVERIFY2(error.description().contains(path), qPrintable(error.description()));
-        } else {
-            // File permissions do not bind the superuser: open it as an ordinary user.
-            const QString setpriv = QStandardPaths::findExecutable(u"setpriv"_s);
-            if (setpriv.isEmpty())
-                QSKIP("running as the superuser without setpriv to drop privileges");
-            QFile::setPermissions(folder.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
-                                                     | QFileDevice::ReadOther | QFileDevice::ExeOther);
-            QProcess process;
-            process.start(setpriv, {u"--reuid=65534"_s, u"--regid=65534"_s, u"--clear-groups"_s,
-                                    QStringLiteral(STORE_WRITER_PROCESS), u"open"_s, path});
-            QVERIFY(process.waitForFinished(30000));
-            const QString errors = QString::fromUtf8(process.readAllStandardError());
-            QCOMPARE(process.exitCode(), 2);
-            QVERIFY2(errors.startsWith(u"kind=%1 "_s.arg(int(StoreError::Kind::readOnly))), qPrintable(errors));
-            QVERIFY2(errors.contains(path), qPrintable(errors));
-        }
-        QCOMPARE(digest(path), before);
+        const QByteArray before = FileDigest::of(path);
+        if (!StoreTestProcesses::canOpenAsAnOrdinaryUser())
+            QSKIP("running as the superuser without setpriv to drop privileges");
+        StoreTestProcesses::verifyRefusedToAnOrdinaryUser(QStringLiteral(STORE_WRITER_PROCESS), folder.path(), path,
+                                                          StoreError::Kind::readOnly);
+        QCOMPARE(FileDigest::of(path), before);
     }
 
     void folderThatCannotBeCreatedIsRefusedWithItsPath()
@@ -120,48 +102,28 @@ private Q_SLOTS:
         const QString path = home.filePath(u"data/Tessaloom/Tessaloom.sqlite"_s);
         QDir().mkpath(QFileInfo(path).absolutePath());
         writeFile(path, "not a database at all, but precious");
-        const QByteArray before = digest(path);
+        const QByteArray before = FileDigest::of(path);
 
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"XDG_DATA_HOME"_s, home.filePath(u"data"_s));
-        environment.insert(u"QT_LOGGING_RULES"_s, u"com.tessaloom.app.persistence.debug=true"_s);
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(STORE_WRITER_PROCESS), {u"open-shared"_s});
-        QVERIFY(process.waitForFinished(30000));
-        const QString errors = QString::fromUtf8(process.readAllStandardError());
-        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
-        QVERIFY(!process.readAllStandardOutput().contains("opened"));
+        const auto finished = StoreTestProcesses::run(
+            QStringLiteral(STORE_WRITER_PROCESS), {u"open-shared"_s},
+            {{u"XDG_DATA_HOME"_s, home.filePath(u"data"_s)},
+             {u"QT_LOGGING_RULES"_s, u"com.tessaloom.app.persistence.debug=true"_s}});
+        QVERIFY(finished.ended);
+        const QString &errors = finished.errors;
+        QCOMPARE(finished.exitStatus, QProcess::CrashExit);
+        QVERIFY(!finished.output.contains(u"opened"_s));
         QVERIFY2(errors.contains(u"Failed to load persistent stores: "_s), qPrintable(errors));
         QVERIFY2(errors.contains(u"Unresolved error "_s), qPrintable(errors));
         QVERIFY2(errors.contains(path), qPrintable(errors));
-        QCOMPARE(digest(path), before);
+        QCOMPARE(FileDigest::of(path), before);
     }
 
 private:
-    static StoreError openFailure(const QString &path)
-    {
-        try {
-            PersistenceController::open(path);
-        } catch (const StoreError &error) {
-            return error;
-        }
-        qFatal("opening %s should have failed", qPrintable(path));
-    }
-
     static void writeFile(const QString &path, const QByteArray &bytes)
     {
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(bytes);
-    }
-
-    static QByteArray digest(const QString &path)
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
     }
 };
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "StoreFixtures.h"
+#include "StoreTestProcesses.h"
 #include "TestEnvironment.h"
 
 #include "Store/PersistenceController.h"
@@ -10,13 +11,10 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRandomGenerator>
-#include <QStandardPaths>
 #include <QTest>
 
 #include <sqlite3.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace StoreFixtures;
@@ -97,26 +95,10 @@ private Q_SLOTS:
         }
         const QByteArray before = readAll(path);
         QVERIFY(QFile::setPermissions(path, {}));
-        if (::geteuid() != 0) {
-            const StoreError error = openFailure(path);
-            QCOMPARE(error.kind(), StoreError::Kind::unreadable);
-            QVERIFY2(error.description().contains(path), qPrintable(error.description()));
-        } else {
-            // File permissions do not bind the superuser: open it as an ordinary user.
-            const QString setpriv = QStandardPaths::findExecutable(u"setpriv"_s);
-            if (setpriv.isEmpty())
-                QSKIP("running as the superuser without setpriv to drop privileges");
-            QFile::setPermissions(folder.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
-                                                     | QFileDevice::ReadOther | QFileDevice::ExeOther);
-            QProcess process;
-            process.start(setpriv, {u"--reuid=65534"_s, u"--regid=65534"_s, u"--clear-groups"_s,
-                                    QStringLiteral(STORE_WRITER_PROCESS), u"open"_s, path});
-            QVERIFY(process.waitForFinished(30000));
-            const QString errors = QString::fromUtf8(process.readAllStandardError());
-            QCOMPARE(process.exitCode(), 2);
-            QVERIFY2(errors.startsWith(u"kind=%1 "_s.arg(int(StoreError::Kind::unreadable))), qPrintable(errors));
-            QVERIFY2(errors.contains(path), qPrintable(errors));
-        }
+        if (!StoreTestProcesses::canOpenAsAnOrdinaryUser())
+            QSKIP("running as the superuser without setpriv to drop privileges");
+        StoreTestProcesses::verifyRefusedToAnOrdinaryUser(QStringLiteral(STORE_WRITER_PROCESS), folder.path(), path,
+                                                          StoreError::Kind::unreadable);
         QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
         QCOMPARE(readAll(path), before);
         verifyNoSideFiles(path);
@@ -260,16 +242,6 @@ private Q_SLOTS:
 
 private:
     static QString storePath(const QTemporaryDir &folder) { return folder.filePath(u"Tessaloom.sqlite"_s); }
-
-    static StoreError openFailure(const QString &path)
-    {
-        try {
-            PersistenceController::open(path);
-        } catch (const StoreError &error) {
-            return error;
-        }
-        qFatal("opening %s should have failed", qPrintable(path));
-    }
 
     static void writeFile(const QString &path, const QByteArray &bytes)
     {

@@ -5,6 +5,7 @@
 // objects with the few attributes a test cares about.
 
 #include "Store/ManagedObjectContext.h"
+#include "Store/PersistenceController.h"
 #include "Store/PersistentContainer.h"
 
 #include <QDateTime>
@@ -20,6 +21,18 @@ using namespace Qt::StringLiterals;
 inline std::unique_ptr<PersistentContainer> openStore(const QTemporaryDir &folder, const QString &name = u"Tessaloom.sqlite"_s)
 {
     return PersistentContainer::open(folder.filePath(name));
+}
+
+// The error that opening the store at `path` ends in; a store that opens ends the test
+// program, since every caller expects a refusal.
+inline StoreError openFailure(const QString &path)
+{
+    try {
+        PersistenceController::open(path);
+    } catch (const StoreError &error) {
+        return error;
+    }
+    qFatal("opening %s should have failed", qPrintable(path));
 }
 
 inline CatalogSet catalogSet(const QString &setNumber, const QString &name, qint16 year = 2020)

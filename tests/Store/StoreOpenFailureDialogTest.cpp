@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "FileDigest.h"
+#include "StoreTestProcesses.h"
 #include "TestEnvironment.h"
 
 #include "Store/PersistenceController.h"
@@ -6,10 +8,8 @@
 #include "Views/TranslationLoader.h"
 
 #include <QApplication>
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QPushButton>
 #include <QSet>
 #include <QTest>
@@ -135,7 +135,7 @@ private Q_SLOTS:
         const QString path = home.filePath(u"data/Tessaloom/Tessaloom.sqlite"_s);
         QVERIFY(QDir().mkpath(QFileInfo(path).absolutePath()));
         createForeignDatabase(path);
-        const QByteArray before = digest(path);
+        const QByteArray before = FileDigest::of(path);
 
         const QString output = runFailureProcess(u"gui"_s, home.filePath(u"data"_s));
         const qsizetype dialogAt = output.indexOf(u"dialog shown modal\n"_s);
@@ -153,7 +153,7 @@ private Q_SLOTS:
         QVERIFY2(output.section(u"Unresolved error "_s, 1).startsWith(StoreError::sentence(StoreError::Kind::foreignFile)),
                  qPrintable(output));
         QVERIFY(!output.contains(u"opened\n"_s));
-        QCOMPARE(digest(path), before);
+        QCOMPARE(FileDigest::of(path), before);
     }
 
     void withoutAGraphicalApplicationTheFailureEndsWithoutADialog()
@@ -175,22 +175,14 @@ private:
     // standard output and error in the order written, after it ended by the fatal error.
     static QString runFailureProcess(const QString &mode, const QString &dataHome)
     {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"XDG_DATA_HOME"_s, dataHome);
-        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-        process.setProcessEnvironment(environment);
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(QStringLiteral(STORE_OPEN_FAILURE_PROCESS), {mode});
-        if (!process.waitForFinished(60000)) {
-            process.kill();
-            process.waitForFinished();
+        const auto finished = StoreTestProcesses::run(QStringLiteral(STORE_OPEN_FAILURE_PROCESS), {mode},
+                                                      {{u"XDG_DATA_HOME"_s, dataHome}, {u"QT_QPA_PLATFORM"_s, u"offscreen"_s}},
+                                                      QProcess::MergedChannels, std::chrono::milliseconds(60000));
+        if (!finished.ended)
             return u"the process did not end"_s;
-        }
-        const QString output = QString::fromUtf8(process.readAll());
-        if (process.exitStatus() != QProcess::CrashExit)
-            return u"the process ended without the fatal error: "_s + output;
-        return output;
+        if (finished.exitStatus != QProcess::CrashExit)
+            return u"the process ended without the fatal error: "_s + finished.output;
+        return finished.output;
     }
 
     static void createForeignDatabase(const QString &path)
@@ -201,14 +193,6 @@ private:
                                         nullptr, nullptr, nullptr);
         sqlite3_close(database);
         QCOMPARE(result, SQLITE_OK);
-    }
-
-    static QByteArray digest(const QString &path)
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
     }
 };
 
