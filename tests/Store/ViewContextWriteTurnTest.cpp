@@ -231,6 +231,26 @@ private Q_SLOTS:
         QVERIFY(reopened->viewContext().existingObject<BrickSet>(id)->isFavorite);
     }
 
+    void closingThePersistenceControllerWithAQueuedSaveWritesItFirst()
+    {
+        // The program's way out: the controller owns the container and closes it.
+        const QString path = m_folder->filePath(u"Controller.sqlite"_s);
+        auto controller = PersistenceController::open(path);
+        auto &context = controller->container().viewContext();
+        const auto set = context.insert(catalogSet(u"21309-1"_s, u"Saturn V"_s));
+        BrickSet copy = saveCopy(context, set.objectID);
+        RunningWriter writer(controller->container(), 200);
+        copy.notes = u"written on the way out"_s;
+        context.update(copy);
+        context.save();
+        QVERIFY(context.hasQueuedSave());
+        controller.reset();
+
+        auto reopened = PersistentContainer::open(path);
+        QCOMPARE(reopened->viewContext().existingObject<BrickSet>(copy.objectID)->notes,
+                 std::optional<QString>(u"written on the way out"_s));
+    }
+
 private:
     // The copy as committed, read through a store of its own.
     BrickSet storedCopy(const ObjectID &id) const
