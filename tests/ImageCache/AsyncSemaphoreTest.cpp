@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Services/AsyncSemaphore.h"
 
+#include <QCoroFuture>
 #include <QCoroTask>
+#include <QFuture>
 #include <QList>
+#include <QPromise>
 #include <QTest>
+
+#include <stdexcept>
 
 namespace {
 
@@ -11,6 +16,27 @@ QCoro::Task<void> acquireAndRecord(AsyncSemaphore &semaphore, QList<int> &order,
 {
     co_await semaphore.acquire();
     order.append(id);
+}
+
+// Holds a permit through a guard until `end` finishes, then returns or throws.
+QCoro::Task<void> holdPermitUntil(AsyncSemaphore &semaphore, QFuture<void> end, bool fail)
+{
+    co_await semaphore.acquire();
+    const AsyncSemaphore::Permit permit(semaphore);
+    co_await end;
+    if (fail)
+        throw std::runtime_error("failed while holding a permit");
+}
+
+// Whether the task ended in an exception: QCoro::waitFor does not hand one on.
+QCoro::Task<bool> endsInException(QCoro::Task<void> task)
+{
+    try {
+        co_await task;
+    } catch (const std::runtime_error &) {
+        co_return true;
+    }
+    co_return false;
 }
 
 } // namespace
@@ -113,6 +139,31 @@ private Q_SLOTS:
         semaphore.release();
         semaphore.release();
         QCOMPARE(semaphore.count(), 3);
+    }
+
+    void aPermitGuardHoldsThePermitAcrossAwaitsAndGivesItBackWhenTheCoroutineReturns()
+    {
+        AsyncSemaphore semaphore(1);
+        QPromise<void> end;
+        QCoro::Task<void> holder = holdPermitUntil(semaphore, end.future(), false);
+        QCoreApplication::processEvents();
+        QCOMPARE(semaphore.count(), 0);
+        end.start();
+        end.finish();
+        QCoro::waitFor(holder);
+        QCOMPARE(semaphore.count(), 1);
+    }
+
+    void aPermitGuardGivesThePermitBackWhenTheCoroutineThrows()
+    {
+        AsyncSemaphore semaphore(1);
+        QPromise<void> end;
+        QCoro::Task<void> holder = holdPermitUntil(semaphore, end.future(), true);
+        QCOMPARE(semaphore.count(), 0);
+        end.start();
+        end.finish();
+        QVERIFY(QCoro::waitFor(endsInException(std::move(holder))));
+        QCOMPARE(semaphore.count(), 1);
     }
 };
 

@@ -38,6 +38,8 @@ private:
         m_model = std::make_unique<SidebarTreeModel>(*m_viewModel);
         m_selection = std::make_unique<QItemSelectionModel>(m_model.get());
         m_binder = std::make_unique<SidebarSelectionBinder>(*m_model, *m_selection);
+        // The outline of themes is read on the pool and lands shortly after.
+        QTRY_VERIFY(!m_viewModel->isLoadingThemeTree());
     }
 
     void click(const SidebarItem &item) const
@@ -164,6 +166,7 @@ private Q_SLOTS:
 
         RebrickableCatalog::replaceShared(m_rebuiltCatalog);
         Q_EMIT m_catalogService->catalogDatabaseDidUpdate();
+        QTRY_VERIFY(!m_viewModel->isLoadingThemeTree());
 
         QCOMPARE(m_viewModel->selectedItem(), std::optional(ucs));
         QCOMPARE(shownItem(), std::optional(ucs));

@@ -40,6 +40,8 @@ private:
         m_model = std::make_unique<SidebarTreeModel>(*m_viewModel);
         m_tester = std::make_unique<QAbstractItemModelTester>(m_model.get(),
                                                               QAbstractItemModelTester::FailureReportingMode::QtTest);
+        // The outline of themes is read on the pool and lands shortly after.
+        QTRY_VERIFY(!m_viewModel->isLoadingThemeTree());
     }
 
     QStringList rowIDs(const QModelIndex &parent) const
@@ -242,6 +244,7 @@ private Q_SLOTS:
 
         RebrickableCatalog::replaceShared(m_rebuiltCatalog);
         Q_EMIT m_catalogService->catalogDatabaseDidUpdate();
+        QTRY_VERIFY(!m_viewModel->isLoadingThemeTree());
 
         const QModelIndex catalog = m_model->sectionIndex(Section::catalog);
         QCOMPARE(rowIDs(catalog), (QStringList{u"catalog_all"_s, u"catalog_all_themes"_s, u"catalog_theme_186"_s,

@@ -7,10 +7,16 @@
 #include "ViewModels/SidebarViewModel.h"
 #include "ViewModels/SidebarVisibilitySettings.h"
 
+#include <QElapsedTimer>
+#include <QSemaphore>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
+#include <QTimer>
+
+#include <atomic>
 
 using namespace Qt::StringLiterals;
 using Kind = SidebarItem::Kind;
@@ -29,9 +35,13 @@ private:
 
     ManagedObjectContext &context() const { return m_store->container().viewContext(); }
 
+    // A model whose outline of themes has landed.
     std::unique_ptr<SidebarViewModel> makeModel() const
     {
-        return std::make_unique<SidebarViewModel>(context(), *m_catalogService);
+        auto model = std::make_unique<SidebarViewModel>(context(), *m_catalogService);
+        if (!QTest::qWaitFor([&model] { return !model->isLoadingThemeTree(); }))
+            qWarning("The outline of themes did not land");
+        return model;
     }
 
     static QString storedSelection() { return QSettings().value(u"sidebar.lastSelectedItem"_s).toString(); }
@@ -209,7 +219,7 @@ private Q_SLOTS:
         RebrickableCatalog::replaceShared(m_rebuiltCatalog);
         Q_EMIT m_catalogService->catalogDatabaseDidUpdate();
 
-        QCOMPARE(treeChanged.count(), 1);
+        QTRY_COMPARE(treeChanged.count(), 1);
         QCOMPARE(model->themeTree(), m_rebuiltCatalog->themeTree());
         QCOMPARE(model->themeTree().size(), 3);
         QCOMPARE(model->selectedItem(), std::optional(castle));
@@ -220,9 +230,74 @@ private Q_SLOTS:
     {
         const auto model = makeModel();
         const QList<ThemeNode> before = model->themeTree();
+        QVERIFY(!before.isEmpty());
+        QSignalSpy treeChanged(model.get(), &SidebarViewModel::themeTreeChanged);
         RebrickableCatalog::replaceShared(nullptr);
         Q_EMIT m_catalogService->catalogDatabaseDidUpdate();
+        QTRY_VERIFY(!model->isLoadingThemeTree());
         QCOMPARE(model->themeTree(), before);
+        QCOMPARE(treeChanged.count(), 0);
+    }
+
+    void theOutlineIsReadOffTheMainThreadAndLandsOnIt()
+    {
+        QThread *mainThread = QThread::currentThread();
+        std::atomic<QThread *> queryThread = nullptr;
+        SidebarViewModel model(context(), *m_catalogService, [&queryThread] {
+            queryThread = QThread::currentThread();
+            return SidebarViewModel::sharedCatalogThemeTree();
+        });
+        QThread *landingThread = nullptr;
+        connect(&model, &SidebarViewModel::themeTreeChanged, this,
+                [&landingThread] { landingThread = QThread::currentThread(); });
+        QTRY_COMPARE(model.themeTree().size(), 2);
+        QVERIFY(queryThread.load() != nullptr);
+        QVERIFY(queryThread.load() != mainThread);
+        QCOMPARE(landingThread, mainThread);
+        QCOMPARE(model.themeTree(), m_catalog->themeTree());
+    }
+
+    void aCatalogQueryThatTakesLongDoesNotStallTheMainThread()
+    {
+        // The query waits as it would behind a long search holding the catalog's lock.
+        QSemaphore release;
+        QElapsedTimer timer;
+        timer.start();
+        SidebarViewModel model(context(), *m_catalogService, [&release] {
+            release.acquire();
+            return SidebarViewModel::sharedCatalogThemeTree();
+        });
+        QVERIFY(timer.elapsed() < 2000);
+        QVERIFY(model.isLoadingThemeTree());
+        QVERIFY(model.themeTree().isEmpty());
+        // The main thread keeps serving its events meanwhile.
+        bool served = false;
+        QTimer::singleShot(0, this, [&served] { served = true; });
+        QTRY_VERIFY(served);
+        QVERIFY(model.isLoadingThemeTree());
+
+        release.release();
+        QTRY_VERIFY(!model.isLoadingThemeTree());
+        QCOMPARE(model.themeTree().size(), 2);
+    }
+
+    void anOlderCatalogsOutlineLandingLateIsDropped()
+    {
+        QSemaphore firstMayAnswer;
+        std::atomic<int> calls = 0;
+        SidebarViewModel model(context(), *m_catalogService, [&firstMayAnswer, &calls] {
+            if (++calls == 1) {
+                firstMayAnswer.acquire();
+                return std::optional<QList<ThemeNode>>(QList<ThemeNode>{});
+            }
+            return SidebarViewModel::sharedCatalogThemeTree();
+        });
+        RebrickableCatalog::replaceShared(m_rebuiltCatalog);
+        Q_EMIT m_catalogService->catalogDatabaseDidUpdate();
+        QTRY_COMPARE(model.themeTree().size(), 3);
+        firstMayAnswer.release();
+        QTRY_VERIFY(!model.isLoadingThemeTree());
+        QCOMPARE(model.themeTree().size(), 3);
     }
 
     // Visibility

@@ -197,7 +197,7 @@ private Q_SLOTS:
         QTRY_COMPARE(content().selectedCatalogSet().has_value(), true);
         QCOMPARE(content().selectedCatalogSet()->setNum, u"75192-1"_s);
         QVERIFY(showsPreviewOf(u"Millennium Falcon"_s));
-        QCOMPARE(content().setPreview()->facts().first().second, u"Star Wars"_s);
+        QTRY_COMPARE(content().setPreview()->facts().first().second, u"Star Wars"_s);
     }
 
     void theTrashShowsItsOwnEmptyStateAndATrashedCopy()

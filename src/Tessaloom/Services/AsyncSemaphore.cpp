@@ -28,6 +28,11 @@ void AsyncSemaphore::Acquisition::await_suspend(std::coroutine_handle<> waiter)
     m_semaphore.m_waiters.push_back(waiter);
 }
 
+AsyncSemaphore::Permit::~Permit()
+{
+    m_semaphore.release();
+}
+
 void AsyncSemaphore::release()
 {
     if (!m_waiters.empty()) {

@@ -31,6 +31,21 @@ public:
         AsyncSemaphore &m_semaphore;
     };
 
+    // Takes charge of a permit its owner has just acquired and gives it back when it goes
+    // out of scope, on every way out of a coroutine: a return, an exception, or the frame
+    // being destroyed while suspended. For permits held across several awaits, where a
+    // release written by hand is easily missed on one path.
+    class Permit
+    {
+    public:
+        explicit Permit(AsyncSemaphore &semaphore) : m_semaphore(semaphore) {}
+        ~Permit();
+        Q_DISABLE_COPY_MOVE(Permit)
+
+    private:
+        AsyncSemaphore &m_semaphore;
+    };
+
     // Awaitable: completes once the caller holds a permit.
     [[nodiscard]] Acquisition acquire() { return Acquisition(*this); }
     // Gives one permit back: to the first waiter if there is one, else to the pool, which

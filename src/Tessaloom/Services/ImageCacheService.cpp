@@ -49,6 +49,7 @@ ImageCacheService::ImageCacheService(const QString &cachesDirectory, QObject *pa
     , m_fetchSemaphore(maximumConcurrentFetches)
     , m_decodeSlots(std::max(1, QThread::idealThreadCount()))
     , m_clock([] { return double(QDateTime::currentMSecsSinceEpoch()) / 1000.0; })
+    , m_pictureFileWriter(&ImageCacheService::writePictureFile)
 {
     const QDir caches(cachesDirectory.isEmpty() ? defaultCachesDirectory() : cachesDirectory);
     m_diskCacheDirectory = caches.filePath(u"Tessaloom/ImageCache"_s);
@@ -64,6 +65,16 @@ ImageCacheService::~ImageCacheService() = default;
 void ImageCacheService::setClock(Clock clock)
 {
     m_clock = std::move(clock);
+}
+
+void ImageCacheService::setPictureFileWriter(PictureFileWriter writer)
+{
+    m_pictureFileWriter = std::move(writer);
+}
+
+QCoro::Task<bool> ImageCacheService::writePictureFile(QString path, QByteArray bytes)
+{
+    co_return co_await QtConcurrent::run(&ImageFileStore::writeAtomically, path, bytes);
 }
 
 double ImageCacheService::now() const
@@ -191,13 +202,16 @@ QCoro::Task<QImage> ImageCacheService::fetchFromNetwork(QString urlString, QStri
     qCDebug(lcCache, "fetchFromNetwork: waiting for semaphore: %s [available: %d, waiting: %d]",
             brief(urlString).constData(), m_fetchSemaphore.count(), m_fetchSemaphore.waitingCount());
     co_await m_fetchSemaphore.acquire();
+    // The permit covers the whole fetch, not only the transfer: the picture is decoded,
+    // kept in memory and written to disk (or its failure recorded) before the next fetch
+    // in the queue may start, so that at most eight fetches hold their bytes and decoded
+    // pictures at once. The guard gives it back on every way out, errors and
+    // cancellation included.
+    const AsyncSemaphore::Permit permit(m_fetchSemaphore);
     qCDebug(lcCache, "fetchFromNetwork: acquired semaphore: %s [available: %d]",
             brief(urlString).constData(), m_fetchSemaphore.count());
 
     const ImageDownloader::Result response = co_await m_downloader.get(url, stop);
-    // The limit is on transfers: decoding and storing need no permit, and the next
-    // download in the queue starts while this one is being decoded.
-    m_fetchSemaphore.release();
 
     using Outcome = ImageDownloader::Result::Outcome;
     switch (response.outcome) {
@@ -238,7 +252,7 @@ QCoro::Task<QImage> ImageCacheService::fetchFromNetwork(QString urlString, QStri
             brief(urlString).constData());
     storeInMemory(key, decoded);
     // The bytes as they came, unconverted; a failed write only costs a later download.
-    co_await QtConcurrent::run(&ImageFileStore::writeAtomically, path, response.body);
+    co_await m_pictureFileWriter(path, response.body);
     co_return decoded;
 }
 

@@ -78,6 +78,13 @@ public:
     bool isTransientlyFailed(const QString &urlString) const { return m_transientFailures.contains(urlString); }
 
     void setClock(Clock clock);
+
+    // Writes a downloaded picture's bytes, as they came, to its file in the disk cache;
+    // true when written. By default an atomic write on the thread pool; a test puts
+    // another in its place to hold a fetch at this last step.
+    using PictureFileWriter = std::function<QCoro::Task<bool>(QString path, QByteArray bytes)>;
+    void setPictureFileWriter(PictureFileWriter writer);
+
     ImageDownloader &downloader() { return m_downloader; }
 
     // The BrickLink picture of a Rebrickable set picture, or empty when there is none.
@@ -90,6 +97,7 @@ private:
                                std::shared_ptr<PendingImage> pending);
     QCoro::Task<QImage> fetchFromNetwork(QString urlString, QString key, QString path,
                                          std::stop_token stop = {});
+    static QCoro::Task<bool> writePictureFile(QString path, QByteArray bytes);
     QCoro::Task<bool> hasFailed(QString urlString);
     QCoro::Task<void> markFailed(QString urlString, bool permanent);
     void storeInMemory(const QString &key, const QImage &image);
@@ -114,4 +122,5 @@ private:
     QHash<QString, double> m_transientFailures;
     ImageDownloader m_downloader;
     Clock m_clock;
+    PictureFileWriter m_pictureFileWriter;
 };

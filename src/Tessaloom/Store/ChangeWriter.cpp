@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 template <typename T>
-QString insertSql(bool upsert)
+QString insertSql(bool upsert, const QString &table)
 {
     const auto &fields = EntityTraits<T>::fields();
     QString columns = u"pk"_s;
@@ -21,14 +21,14 @@ QString insertSql(bool upsert)
         values += u", ?"_s;
         updates += (updates.isEmpty() ? u""_s : u", "_s) + field.name + u" = excluded."_s + field.name;
     }
-    QString sql = u"INSERT INTO "_s + entityName(EntityTraits<T>::type) + u" ("_s + columns + u") VALUES ("_s + values + u')';
+    QString sql = u"INSERT INTO "_s + table + u" ("_s + columns + u") VALUES ("_s + values + u')';
     if (upsert)
         sql += u" ON CONFLICT(pk) DO UPDATE SET "_s + updates;
     return sql;
 }
 
 template <typename T>
-QString updateSql(quint64 changedFields)
+QString updateSql(quint64 changedFields, const QString &table)
 {
     const auto &fields = EntityTraits<T>::fields();
     QStringList assignments;
@@ -36,21 +36,22 @@ QString updateSql(quint64 changedFields)
         if (changedFields & (quint64(1) << index))
             assignments.append(fields[index].name + u" = ?"_s);
     }
-    return u"UPDATE "_s + entityName(EntityTraits<T>::type) + u" SET "_s + assignments.join(u", "_s) + u" WHERE pk = ?"_s;
+    return u"UPDATE "_s + table + u" SET "_s + assignments.join(u", "_s) + u" WHERE pk = ?"_s;
 }
 
 } // namespace
 
 void ChangeWriter::write(StoreConnection &connection, const ObjectID &id, Kind kind, const AnyEntity &value,
-                         quint64 changedFields, bool upsert, StoreChanges *changes)
+                         quint64 changedFields, bool upsert, StoreChanges *changes, const QString &table)
 {
+    const QString target = table.isEmpty() ? entityName(id.entity) : table;
     std::visit(
         [&](const auto &object) {
             using T = std::decay_t<decltype(object)>;
             const auto &fields = EntityTraits<T>::fields();
             switch (kind) {
             case Kind::inserted: {
-                auto statement = connection.prepare(insertSql<T>(upsert));
+                auto statement = connection.prepare(insertSql<T>(upsert, target));
                 statement.bindInteger(1, id.primaryKey);
                 for (qsizetype index = 0; index < fields.size(); ++index)
                     fields[index].bind(object, statement, int(index) + 2);
@@ -60,7 +61,7 @@ void ChangeWriter::write(StoreConnection &connection, const ObjectID &id, Kind k
                 break;
             }
             case Kind::updated: {
-                auto statement = connection.prepare(updateSql<T>(changedFields));
+                auto statement = connection.prepare(updateSql<T>(changedFields, target));
                 int parameter = 1;
                 for (qsizetype index = 0; index < fields.size(); ++index) {
                     if (changedFields & (quint64(1) << index))

@@ -15,7 +15,9 @@ public:
     enum class Kind { inserted, updated, deleted };
 
     // `upsert` lets an insert overwrite a row written earlier in the same transaction
-    // (a pending object shown to a read again after a later change). Throws StoreError.
+    // (a pending object shown to a read again after a later change). An insert or update
+    // goes to `table` when given (a temporary table of the same columns) instead of the
+    // entity's own. Throws StoreError.
     static void write(StoreConnection &connection, const ObjectID &id, Kind kind, const AnyEntity &value,
-                      quint64 changedFields, bool upsert, StoreChanges *changes);
+                      quint64 changedFields, bool upsert, StoreChanges *changes, const QString &table = QString());
 };

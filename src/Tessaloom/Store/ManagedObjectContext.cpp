@@ -59,6 +59,7 @@ ManagedObjectContext::~ManagedObjectContext()
     if (m_pool)
         m_pool->waitForDone();
     closeScratch();
+    closeOverlay();
 }
 
 qint64 ManagedObjectContext::allocateKey(EntityType entity)
@@ -125,15 +126,37 @@ void ManagedObjectContext::beginRead()
         applyPendingForRead();
     } catch (...) {
         closeScratch();
+        if (m_readDepth == 0)
+            closeOverlay();
         throw;
     }
     ++m_readDepth;
 }
 
+QList<ObjectID> ManagedObjectContext::pendingInWriteOrder() const
+{
+    QList<ObjectID> order = m_pending.keys();
+    std::sort(order.begin(), order.end(), [this](const ObjectID &left, const ObjectID &right) {
+        const Pending &a = m_pending[left];
+        const Pending &b = m_pending[right];
+        return std::tuple(int(a.kind), int(left.entity), a.sequence) < std::tuple(int(b.kind), int(right.entity), b.sequence);
+    });
+    return order;
+}
+
 void ManagedObjectContext::applyPendingForRead()
 {
+    if (m_overlayOpen)
+        return; // pending changes do not change during one read of the view context
     if (!m_scratchOpen) {
-        m_container.acquireWriteTurn();
+        if (m_concurrencyType == ConcurrencyType::mainQueue) {
+            if (!m_container.tryAcquireWriteTurn()) {
+                openOverlay();
+                return;
+            }
+        } else {
+            m_container.acquireWriteTurn();
+        }
         try {
             m_connection->execute("BEGIN IMMEDIATE");
         } catch (...) {
@@ -163,9 +186,88 @@ void ManagedObjectContext::applyPendingForRead()
     }
 }
 
+void ManagedObjectContext::openOverlay()
+{
+    // SQLite looks an unqualified table name up in the connection's private temp schema
+    // first, so a temporary view named like an entity's table takes its place in every
+    // query of this connection, joins and subqueries of predicates included. The view
+    // shows the committed rows of the table without those this context changed, plus
+    // the changed rows as this context would write them. The temp schema belongs to the
+    // connection alone: building it takes no lock that another writer holds. Unlike the
+    // write transaction it replaces, a pending deletion does not run the delete rules.
+    QList<EntityType> entities;
+    for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it) {
+        if (!entities.contains(it.key().entity))
+            entities.append(it.key().entity);
+    }
+    m_overlaidEntities.clear();
+    m_overlayOpen = true;
+    try {
+        for (EntityType entity : std::as_const(entities)) {
+            const QString name = entityName(entity);
+            m_overlaidEntities.append(entity);
+            m_connection->execute(
+                (u"CREATE TEMP TABLE pendingRows_"_s + name + u" AS SELECT * FROM main."_s + name + u" WHERE 0;"_s
+                 + u"CREATE TEMP TABLE pendingKeys_"_s + name + u" (pk INTEGER PRIMARY KEY)"_s)
+                    .toUtf8()
+                    .constData());
+        }
+        for (const ObjectID &id : pendingInWriteOrder()) {
+            const Pending &pending = m_pending[id];
+            const QString name = entityName(id.entity);
+            auto key = m_connection->prepare(u"INSERT INTO temp.pendingKeys_"_s + name + u" (pk) VALUES (?)"_s);
+            key.bindInteger(1, id.primaryKey);
+            key.run();
+            if (pending.kind == Pending::Kind::deleted)
+                continue;
+            const QString rows = u"temp.pendingRows_"_s + name;
+            if (pending.kind == Pending::Kind::updated) {
+                // Only the changed properties are laid over the committed row, as a save
+                // would write them; a row deleted elsewhere meanwhile stays away.
+                auto base = m_connection->prepare(u"INSERT INTO "_s + rows + u" SELECT * FROM main."_s + name
+                                                  + u" WHERE pk = ?"_s);
+                base.bindInteger(1, id.primaryKey);
+                base.run();
+            }
+            // One pending change per object: a plain insert never meets a row of its own.
+            ChangeWriter::write(*m_connection, id, pending.kind, pending.value, pending.changedFields, false, nullptr,
+                                rows);
+        }
+        for (EntityType entity : std::as_const(entities)) {
+            const QString name = entityName(entity);
+            m_connection->execute((u"CREATE TEMP VIEW "_s + name + u" AS SELECT * FROM main."_s + name
+                                   + u" WHERE pk NOT IN (SELECT pk FROM temp.pendingKeys_"_s + name
+                                   + u") UNION ALL SELECT * FROM temp.pendingRows_"_s + name)
+                                      .toUtf8()
+                                      .constData());
+        }
+    } catch (...) {
+        closeOverlay();
+        throw;
+    }
+}
+
+void ManagedObjectContext::closeOverlay()
+{
+    if (!m_overlayOpen)
+        return;
+    for (EntityType entity : std::as_const(m_overlaidEntities)) {
+        const QByteArray name = entityName(entity).toUtf8();
+        const QByteArray sql = "DROP VIEW IF EXISTS temp." + name + "; DROP TABLE IF EXISTS temp.pendingRows_" + name
+            + "; DROP TABLE IF EXISTS temp.pendingKeys_" + name;
+        if (sqlite3_exec(m_connection->handle(), sql.constData(), nullptr, nullptr, nullptr) != SQLITE_OK)
+            qCWarning(lcPersistence) << "Removing the view of pending changes failed:"
+                                     << sqlite3_errmsg(m_connection->handle());
+    }
+    m_overlaidEntities.clear();
+    m_overlayOpen = false;
+}
+
 void ManagedObjectContext::endRead()
 {
     --m_readDepth;
+    if (m_readDepth == 0)
+        closeOverlay();
     if (!m_scratchOpen || m_readDepth > 0)
         return;
     // Inside a perform() block the transaction that shows pending changes stays open, so
@@ -214,14 +316,73 @@ void ManagedObjectContext::save()
     if (m_pending.isEmpty())
         return;
     closeScratch();
-    QList<ObjectID> order = m_pending.keys();
-    std::sort(order.begin(), order.end(), [this](const ObjectID &left, const ObjectID &right) {
-        const Pending &a = m_pending[left];
-        const Pending &b = m_pending[right];
-        return std::tuple(int(a.kind), int(left.entity), a.sequence) < std::tuple(int(b.kind), int(right.entity), b.sequence);
-    });
-    StoreChanges changes;
+    if (m_concurrencyType == ConcurrencyType::mainQueue) {
+        if (!m_container.tryAcquireWriteTurn()) {
+            m_saveQueued = true;
+            m_container.requestWriteTurnForViewContext();
+            return;
+        }
+        // A save that finds the turn free carries a queued one along with it.
+        const bool carriesQueuedSave = m_saveQueued;
+        m_saveQueued = false;
+        try {
+            saveHoldingTurn();
+        } catch (const StoreError &error) {
+            if (carriesQueuedSave)
+                Q_EMIT m_container.queuedSaveDidFail(error.description());
+            throw;
+        }
+        if (carriesQueuedSave)
+            Q_EMIT m_container.queuedSaveDidFinish();
+        return;
+    }
     m_container.acquireWriteTurn();
+    saveHoldingTurn();
+}
+
+void ManagedObjectContext::runQueuedSave()
+{
+    if (!m_saveQueued)
+        return;
+    if (m_pending.isEmpty()) {
+        m_saveQueued = false; // rolled back meanwhile: nothing left to write
+        return;
+    }
+    if (!m_container.tryAcquireWriteTurn()) {
+        // Another context took the turn first; wait for the next free moment.
+        m_container.requestWriteTurnForViewContext();
+        return;
+    }
+    m_saveQueued = false;
+    try {
+        closeScratch();
+        saveHoldingTurn();
+    } catch (const StoreError &error) {
+        Q_EMIT m_container.queuedSaveDidFail(error.description());
+        return;
+    }
+    Q_EMIT m_container.queuedSaveDidFinish();
+}
+
+void ManagedObjectContext::saveWaitingForTurn()
+{
+    m_saveQueued = false;
+    if (m_pending.isEmpty())
+        return;
+    closeScratch();
+    m_container.acquireWriteTurn();
+    try {
+        saveHoldingTurn();
+    } catch (const StoreError &error) {
+        qCWarning(lcPersistence) << "The last save of" << m_name << "before closing the store failed:"
+                                 << error.description();
+    }
+}
+
+void ManagedObjectContext::saveHoldingTurn()
+{
+    const QList<ObjectID> order = pendingInWriteOrder();
+    StoreChanges changes;
     try {
         m_connection->execute("BEGIN IMMEDIATE");
     } catch (const StoreError &error) {
@@ -232,8 +393,7 @@ void ManagedObjectContext::save()
         // References are checked at COMMIT, so the order of the writes inside the
         // transaction does not matter, only the result.
         m_connection->execute("PRAGMA defer_foreign_keys = ON");
-        for (const ObjectID &id : std::as_const(order))
-            {
+        for (const ObjectID &id : std::as_const(order)) {
             const Pending &pending = m_pending[id];
             ChangeWriter::write(*m_connection, id, pending.kind, pending.value, pending.changedFields,
                                 false, &changes);
@@ -264,6 +424,7 @@ void ManagedObjectContext::rollback()
 {
     closeScratch();
     m_pending.clear();
+    m_saveQueued = false;
 }
 
 void ManagedObjectContext::refresh(const ObjectID &id, bool mergeChanges)

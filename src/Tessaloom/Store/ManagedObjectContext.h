@@ -104,7 +104,16 @@ public:
     void deleteObject(const T &object) { deleteObject(object.objectID); }
 
     bool hasChanges() const { return !m_pending.isEmpty(); }
+    // Writes every pending change in one transaction and announces it. A background
+    // context waits for the store's write turn. The view context never waits on the main
+    // thread: when another context is writing, its save is queued and returns at once; it
+    // runs on the main thread as soon as the turn is free, and the container announces it
+    // (objectsDidChange(), then queuedSaveDidFinish() or queuedSaveDidFail()). Meanwhile
+    // the changes stay pending here, visible to this context's reads; a later save()
+    // carries them along with its own.
     void save();
+    // Whether a save of the view context waits for the write turn.
+    bool hasQueuedSave() const { return m_saveQueued; }
     // Discards every pending change.
     void rollback();
     // Forgets what this context last read of the object; without `mergeChanges` its
@@ -146,10 +155,24 @@ private:
     // Pending changes are made visible to reads by writing them into a write transaction
     // that is rolled back after the read (or, inside a background perform() block, at its
     // end, so a long find-or-create loop writes each change once).
+    //
+    // The view context must not wait for the write lock on the main thread: while another
+    // context writes, its reads run on the committed rows instead, with its pending
+    // changes laid over them by temporary views of the same names (see openOverlay()).
     void beginRead();
     void applyPendingForRead();
     void endRead();
     void closeScratch();
+    void openOverlay();
+    void closeOverlay();
+
+    // The body of save() once the write turn is held; releases it. Throws StoreError.
+    void saveHoldingTurn();
+    // For the container: the queued save, on the main thread once the turn is free, and
+    // the last save before the store closes, which may wait.
+    void runQueuedSave();
+    void saveWaitingForTurn();
+    QList<ObjectID> pendingInWriteOrder() const;
 
     template <StoreEntity T>
     QList<T> runFetch(const QString &where, const QList<SqlValue> &bindings, const QString &order, int limit);
@@ -190,6 +213,9 @@ private:
         m_snapshots;
     qint64 m_sequence = 0;
     bool m_scratchOpen = false;
+    bool m_saveQueued = false;
+    QList<EntityType> m_overlaidEntities; // entities shown through temporary views
+    bool m_overlayOpen = false;
     QElapsedTimer m_scratchAge;
     int m_performDepth = 0;
     int m_readDepth = 0;

@@ -54,6 +54,10 @@ PersistentContainer::PersistentContainer(QString path, bool inMemory, QObject *p
 
 PersistentContainer::~PersistentContainer()
 {
+    // A save still waiting for its turn is written before the store closes: on the way
+    // out the main thread may wait, and the user's last change must not be lost.
+    if (m_viewContext && m_viewContext->hasQueuedSave())
+        m_viewContext->saveWaitingForTurn();
     m_viewContext.reset();
 }
 
@@ -155,9 +159,47 @@ void PersistentContainer::acquireWriteTurn()
         m_turnChanged.wait(&m_turnMutex);
 }
 
+bool PersistentContainer::tryAcquireWriteTurn()
+{
+    QMutexLocker locker(&m_turnMutex);
+    // Free only when nobody holds the turn and nobody waits for it: jumping the queue
+    // would starve the waiting contexts.
+    if (m_nextTurn != m_servingTurn)
+        return false;
+    ++m_nextTurn;
+    return true;
+}
+
 void PersistentContainer::releaseWriteTurn()
 {
     QMutexLocker locker(&m_turnMutex);
     ++m_servingTurn;
     m_turnChanged.wakeAll();
+    offerFreeTurnToViewContext();
+}
+
+void PersistentContainer::requestWriteTurnForViewContext()
+{
+    QMutexLocker locker(&m_turnMutex);
+    m_viewContextWantsTurn = true;
+    // The turn may have come free between the failed try and this request.
+    offerFreeTurnToViewContext();
+}
+
+void PersistentContainer::offerFreeTurnToViewContext()
+{
+    // The view context does not reserve a place in the line: a place held for the main
+    // thread would stall every background writer behind it while the main thread is busy,
+    // and deadlock one that the main thread waits for. It gets the turn at the first
+    // moment nobody wants it; until then its changes stay pending and visible to its reads.
+    if (!m_viewContextWantsTurn || m_nextTurn != m_servingTurn)
+        return;
+    m_viewContextWantsTurn = false;
+    QMetaObject::invokeMethod(this, &PersistentContainer::runQueuedViewContextSave, Qt::QueuedConnection);
+}
+
+void PersistentContainer::runQueuedViewContextSave()
+{
+    if (m_viewContext)
+        m_viewContext->runQueuedSave();
 }

@@ -49,15 +49,31 @@ public:
 
     // Contexts of this process take turns at the store's single write lock in the order
     // they ask, rather than racing SQLite's busy retries, which a context that keeps
-    // reading its pending changes would win every time.
+    // reading its pending changes would win every time. Background contexts wait for
+    // their turn; the view context never waits on the main thread: it takes the turn only
+    // when nobody holds it or waits for it (tryAcquireWriteTurn()), and otherwise asks to
+    // be told when the turn is free (requestWriteTurnForViewContext()).
     void acquireWriteTurn();
+    bool tryAcquireWriteTurn();
     void releaseWriteTurn();
+    // When the turn is next free, the view context's queued save runs on the main thread,
+    // through a queued call. Thread-safe.
+    void requestWriteTurnForViewContext();
 
 Q_SIGNALS:
     void objectsDidChange(const StoreChanges &changes);
+    // A save of the view context that had to wait for another context's write ran: it
+    // committed (after its objectsDidChange()), or it failed and its changes are still
+    // pending in the view context.
+    void queuedSaveDidFinish();
+    void queuedSaveDidFail(const QString &description);
 
 private:
     PersistentContainer(QString path, bool inMemory, QObject *parent);
+    // Posts the queued save to the main thread when the turn is free and one is wanted.
+    // Called with m_turnMutex held.
+    void offerFreeTurnToViewContext();
+    void runQueuedViewContextSave();
 
     QString m_path;
     bool m_inMemory;
@@ -68,5 +84,6 @@ private:
     QWaitCondition m_turnChanged;
     quint64 m_nextTurn = 0;
     quint64 m_servingTurn = 0;
+    bool m_viewContextWantsTurn = false;
     std::array<qint64, 9> m_lastKeys{};
 };

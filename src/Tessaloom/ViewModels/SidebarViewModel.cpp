@@ -9,7 +9,9 @@
 #include "Store/StoreObserver.h"
 #include "ViewModels/SidebarVisibilitySettings.h"
 
+#include <QFutureWatcher>
 #include <QSettings>
+#include <QtConcurrent>
 
 using namespace Qt::StringLiterals;
 using Kind = SidebarItem::Kind;
@@ -45,8 +47,15 @@ Predicate badgePredicate(Kind kind, const QDateTime &retiredCutoff)
 
 SidebarViewModel::SidebarViewModel(ManagedObjectContext &viewContext, CatalogDatabaseService &catalogService,
                                    QObject *parent)
+    : SidebarViewModel(viewContext, catalogService, &SidebarViewModel::sharedCatalogThemeTree, parent)
+{
+}
+
+SidebarViewModel::SidebarViewModel(ManagedObjectContext &viewContext, CatalogDatabaseService &catalogService,
+                                   ThemeTreeQuery themeTreeQuery, QObject *parent)
     : QObject(parent)
     , m_viewContext(viewContext)
+    , m_themeTreeQuery(std::move(themeTreeQuery))
     , m_createdAt(QDateTime::currentDateTimeUtc())
 {
     loadThemeTree();
@@ -55,10 +64,7 @@ SidebarViewModel::SidebarViewModel(ManagedObjectContext &viewContext, CatalogDat
     if (const std::optional<SidebarItem> stored = SidebarItem::fromID(storedID); stored && stored != m_selectedItem)
         setSelectedItem(stored);
 
-    connect(&catalogService, &CatalogDatabaseService::catalogDatabaseDidUpdate, this, [this] {
-        if (RebrickableCatalog::shared())
-            loadThemeTree();
-    });
+    connect(&catalogService, &CatalogDatabaseService::catalogDatabaseDidUpdate, this, &SidebarViewModel::loadThemeTree);
 
     connect(&SidebarVisibilitySettings::shared(), &SidebarVisibilitySettings::visibilityChanged, this,
             &SidebarViewModel::visibilityChanged);
@@ -135,11 +141,34 @@ std::optional<qint64> SidebarViewModel::badgeCount(const SidebarItem &item) cons
     return found.value();
 }
 
-void SidebarViewModel::loadThemeTree()
+std::optional<QList<ThemeNode>> SidebarViewModel::sharedCatalogThemeTree()
 {
     const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
-    m_themeTree = catalog ? catalog->themeTree() : QList<ThemeNode>();
-    Q_EMIT themeTreeChanged();
+    if (!catalog)
+        return std::nullopt;
+    return catalog->themeTree();
+}
+
+void SidebarViewModel::loadThemeTree()
+{
+    const quint64 generation = ++m_themeTreeGeneration;
+    ++m_themeTreeLoads;
+    // The watcher belongs to this model: a model gone before the outline lands never
+    // hears of it, and the pool's task holds no part of it.
+    auto *watcher = new QFutureWatcher<std::optional<QList<ThemeNode>>>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, generation] {
+        watcher->deleteLater();
+        --m_themeTreeLoads;
+        if (generation != m_themeTreeGeneration)
+            return; // a newer catalog's outline is on its way
+        const std::optional<QList<ThemeNode>> tree = watcher->result();
+        // Without a catalog (none yet, or it went away) the outline stays as it was.
+        if (!tree)
+            return;
+        m_themeTree = *tree;
+        Q_EMIT themeTreeChanged();
+    });
+    watcher->setFuture(QtConcurrent::run(m_themeTreeQuery));
 }
 
 void SidebarViewModel::recount(const StoreChanges *changes)

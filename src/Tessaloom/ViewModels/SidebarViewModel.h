@@ -10,6 +10,7 @@
 #include <QList>
 #include <QObject>
 
+#include <functional>
 #include <optional>
 
 class CatalogDatabaseService;
@@ -23,6 +24,11 @@ enum class EntityType;
 // rows the user chose to show and their counts, and the catalog section with the outline
 // of themes, reloaded after every catalog build.
 //
+// The outline is read on QtConcurrent's global pool and handed back to the main thread:
+// the catalog answers one statement at a time under its lock, which a long search on
+// another thread may hold, and the main thread must not wait for it. Until the first
+// outline lands, themeTree() is empty.
+//
 // The counts follow every save in the store, from any context. They are the badges'
 // counts, which are not always the lists' own: "unknown condition" counts the stored
 // value "unknown" as well as no value, while its list shows only copies without one.
@@ -33,9 +39,16 @@ class SidebarViewModel : public QObject
 public:
     static constexpr const char *lastSelectedItemKey = "sidebar.lastSelectedItem";
 
+    // Reads the outline of the shared catalog, off the main thread; nothing when there is
+    // no catalog. Tests put in one they can hold.
+    using ThemeTreeQuery = std::function<std::optional<QList<ThemeNode>>()>;
+    static std::optional<QList<ThemeNode>> sharedCatalogThemeTree();
+
     // `catalogService` announces new catalogs; the outline is reloaded on each.
     SidebarViewModel(ManagedObjectContext &viewContext, CatalogDatabaseService &catalogService,
                      QObject *parent = nullptr);
+    SidebarViewModel(ManagedObjectContext &viewContext, CatalogDatabaseService &catalogService,
+                     ThemeTreeQuery themeTreeQuery, QObject *parent = nullptr);
     ~SidebarViewModel() override;
 
     ManagedObjectContext &viewContext() const { return m_viewContext; }
@@ -46,6 +59,8 @@ public:
     void setSelectedItem(const std::optional<SidebarItem> &item);
 
     const QList<ThemeNode> &themeTree() const { return m_themeTree; }
+    // Whether an outline is being read.
+    bool isLoadingThemeTree() const { return m_themeTreeLoads > 0; }
 
     // The collection section's rows, in order: all of them, and those shown now.
     static const QList<SidebarItem> &allCollectionItems();
@@ -63,7 +78,8 @@ public:
 
 Q_SIGNALS:
     void selectedItemChanged(const std::optional<SidebarItem> &item);
-    // After the outline was replaced (a new catalog); the selection stays as it was.
+    // After the outline was replaced (it landed, or a new catalog); the selection stays
+    // as it was.
     void themeTreeChanged();
     void visibilityChanged(SidebarItem::Kind kind, bool visible);
     void badgeCountChanged(SidebarItem::Kind kind, qint64 count);
@@ -74,8 +90,12 @@ private:
     qint64 count(SidebarItem::Kind kind) const;
 
     ManagedObjectContext &m_viewContext;
+    ThemeTreeQuery m_themeTreeQuery;
     std::optional<SidebarItem> m_selectedItem;
     QList<ThemeNode> m_themeTree;
+    // Outlines are read one after the other as catalogs come; only the latest one counts.
+    quint64 m_themeTreeGeneration = 0;
+    int m_themeTreeLoads = 0;
     QDateTime m_createdAt;
     StoreObserver *m_storeObserver = nullptr;
     QMap<SidebarItem::Kind, qint64> m_counts;

@@ -18,11 +18,13 @@
 #include "Views/ThemeBrowserView.h"
 
 #include <QAction>
+#include <QFutureWatcher>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QtConcurrent>
 
 using namespace Qt::StringLiterals;
 
@@ -165,10 +167,10 @@ void ContentView::updateDetailColumn()
             return;
         break;
     case Content::catalogSet: {
-        const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
-        const QString themeName = catalog ? catalog->themePath(m_selectedCatalogSet->themeID) : QString();
-        m_setPreview->showCatalogSet(*m_selectedCatalogSet, themeName);
+        // The theme follows once read; the rest of the set shows at once.
+        m_setPreview->showCatalogSet(*m_selectedCatalogSet, QString());
         m_detailColumn->setCurrentWidget(m_setPreview);
+        lookUpThemePath(*m_selectedCatalogSet);
         return;
     }
     case Content::trashPlaceholder: {
@@ -221,4 +223,22 @@ void ContentView::showDetailPlaceholder(const QString &symbolName, const QString
 {
     m_detailPlaceholder->setContent(symbolName, title, description);
     m_detailColumn->setCurrentWidget(m_detailPlaceholder);
+}
+
+void ContentView::lookUpThemePath(const CatalogSetResult &set)
+{
+    const quint64 lookup = ++m_themePathLookup;
+    auto *watcher = new QFutureWatcher<QString>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, lookup, set] {
+        watcher->deleteLater();
+        if (lookup != m_themePathLookup || m_selectedCatalogSet != set
+            || m_detailColumn->currentWidget() != m_setPreview)
+            return;
+        m_setPreview->showCatalogSet(set, watcher->result());
+    });
+    const int themeID = set.themeID;
+    watcher->setFuture(QtConcurrent::run([themeID] {
+        const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
+        return catalog ? catalog->themePath(themeID) : QString();
+    }));
 }

@@ -69,6 +69,9 @@ private:
     void showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description);
     bool showCopyPreview();
     void objectsChanged(const StoreChanges &changes);
+    // Reads the theme path of the catalog set on show on the pool and fills it in when it
+    // lands, if the set is still on show: the catalog's lock is never taken here.
+    void lookUpThemePath(const CatalogSetResult &set);
 
     PersistentContainer &m_container;
     std::unique_ptr<SidebarViewModel> m_sidebarViewModel;
@@ -87,4 +90,5 @@ private:
     std::optional<ObjectID> m_selectedBrickSet;
     std::optional<CatalogSetResult> m_selectedCatalogSet;
     std::optional<ObjectID> m_pendingBrickSet;
+    quint64 m_themePathLookup = 0; // only the latest look-up's answer is shown
 };
