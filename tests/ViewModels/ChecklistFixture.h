@@ -25,7 +25,8 @@ using namespace Qt::StringLiterals;
 // "Plate 2 x 4"), 9 White ×1 (Technic Axles), and 99999 in
 // colour 9999, neither of which the catalog knows. "2000-1" has spare rows only,
 // "3000-1" two lines of 3 pieces, "4000-1" one line of 1,000 pieces, "5000-1" one of
-// 2,000, and "6000-1" one line of 0 pieces.
+// 2,000, "6000-1" one line of 0 pieces, and "8000-1" the same part and colour on two
+// regular rows (2 and 5).
 inline CatalogFixture standardFixture()
 {
     CatalogFixture fixture;
@@ -38,7 +39,7 @@ inline CatalogFixture standardFixture()
                                "3000-1,Two Lines,2020,1,6,\n4000-1,Thousand,2020,1,1000,\n"
                                "5000-1,Two Thousand,2020,1,2000,\n6000-1,Nothing Needed,2020,1,0,\n");
     fixture.addRows(u"inventories"_s, "1,1,1000-1\n2,2,1000-1\n3,1,2000-1\n4,1,3000-1\n5,1,4000-1\n6,1,5000-1\n"
-                                      "7,1,6000-1\n");
+                                      "7,1,6000-1\n8,1,8000-1\n");
     fixture.addRows(u"inventory_parts"_s,
                     "1,3001,1,99,False,\n"
                     "2,10,4,2,False,https://example.invalid/10.png\n"
@@ -52,7 +53,8 @@ inline CatalogFixture standardFixture()
                     "4,3001,1,3,False,\n4,3020,4,3,False,\n"
                     "5,3001,1,1000,False,\n"
                     "6,3001,1,2000,False,\n"
-                    "7,3001,1,0,False,\n");
+                    "7,3001,1,0,False,\n"
+                    "8,3001,1,2,False,\n8,3001,1,5,False,\n");
     return fixture;
 }
 

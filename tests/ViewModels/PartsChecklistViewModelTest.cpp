@@ -151,6 +151,32 @@ private Q_SLOTS:
         QVERIFY(!model->isLoading());
     }
 
+    void twoRegularRowsOfOnePartStayTwoItemsSharingOneEntry()
+    {
+        const auto model = loaded(u"8000-1"_s);
+        QCOMPARE(ids(model->items()), (QStringList{u"3001-1"_s, u"3001-1"_s}));
+        QCOMPARE(model->totalPieces(), 7);
+        model->increment(model->items().at(0));
+        QCOMPARE(model->ownedCount(model->items().at(1)), 1);
+        QCOMPARE(model->entriesByKey().size(), 1);
+        // Each item sets the shared count in turn; the last one stands.
+        model->markAllComplete();
+        QCOMPARE(storedCounts(m_storePath, model->brickSet().objectID), (QMap<QString, int>{{u"3001-1"_s, 5}}));
+        QCOMPARE(model->completeItemCount(), 2);
+    }
+
+    void reloadWithoutCatalogKeepsTheRowsItHad()
+    {
+        const auto model = loaded(u"1000-1"_s);
+        const QList<ChecklistItem> before = model->items();
+        RebrickableCatalog::replaceShared(nullptr);
+        QSignalSpy items(model.get(), &PartsChecklistViewModel::itemsChanged);
+        model->loadItems();
+        QVERIFY(!model->isLoading());
+        QCOMPARE(model->items(), before);
+        QCOMPARE(items.count(), 0);
+    }
+
     void withoutCatalogTheListStaysEmptyAndLoadingEnds()
     {
         RebrickableCatalog::replaceShared(nullptr);
