@@ -104,7 +104,23 @@ private Q_SLOTS:
         QVERIFY(model.items().isEmpty());
         QSignalSpy loading(&model, &PartsChecklistViewModel::isLoadingChanged);
         model.loadItems();
+        // The catalog is read on the pool: nothing lands before the event loop runs.
+        QVERIFY(model.isLoading());
+        QVERIFY(model.items().isEmpty());
         QTRY_VERIFY(!model.isLoading());
+        QCOMPARE(loading.count(), 1);
+        QCOMPARE(model.items().size(), 6);
+    }
+
+    void overlappingLoadsLandOnlyTheLatest()
+    {
+        PartsChecklistViewModel model(saveCopyOf(context(), u"1000-1"_s), context());
+        QSignalSpy items(&model, &PartsChecklistViewModel::itemsChanged);
+        QSignalSpy loading(&model, &PartsChecklistViewModel::isLoadingChanged);
+        model.loadItems();
+        model.loadItems();
+        QTRY_VERIFY(!model.isLoading());
+        QCOMPARE(items.count(), 1);
         QCOMPARE(loading.count(), 1);
         QCOMPARE(model.items().size(), 6);
     }
