@@ -182,7 +182,7 @@ int main(int argc, char *argv[])
     longestMainThreadStepWhile([&model] { return !model.isLoading(); });
     const QList<ChecklistItem> items = model.items();
     BenchmarkOutput::print({{u"benchmark"_s, u"parts-checklist"_s}, {u"set"_s, setNumber},
-                            {u"items"_s, int(items.size())}, {u"pieces"_s, model.totalPieces()},
+                            {u"items"_s, int(items.size())}, {u"catalogLines"_s, lines}, {u"pieces"_s, model.totalPieces()},
                             {u"colors"_s, int(model.availableColors().size())},
                             {u"categories"_s, int(model.availableCategories().size())}});
     if (items.size() < 2) {
