@@ -486,6 +486,50 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>The catalog in use holds no sets or cannot be read.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="api.error.http.">
+        <source>HTTP error %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.error.decoding.">
+        <source>Failed to decode response: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.error.invalidResponse">
+        <source>Invalid server response</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.decoding.dataCorrupted">
+        <source>The data is not valid JSON.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.decoding.keyNotFound">
+        <source>A required value is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.decoding.valueNotFound">
+        <source>A required value is null.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.decoding.typeMismatch">
+        <source>A value has the wrong type.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.transport.timedOut">
+        <source>The request timed out.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.transport.cancelled">
+        <source>The request was cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="pricing.error.missingCredentials.">
+        <source>Missing credentials for %1. Please configure them in Settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="pricing.error.invalidURL">
+        <source>Failed to build API request URL.</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="detail.parts.completionParts.">
         <source>%1 of %2 parts</source>
         <translation type="unfinished"></translation>
