@@ -150,6 +150,7 @@ struct KeychainService::TurnAwaiter
 
 KeychainService &KeychainService::shared()
 {
+    // Never destroyed: a task still waiting at exit must not resume into a dead object.
     static KeychainService *const instance = new KeychainService();
     return *instance;
 }

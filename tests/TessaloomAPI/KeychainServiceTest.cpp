@@ -361,9 +361,12 @@ private Q_SLOTS:
             verifySaveFailsWithoutSecretService(service, value, key);
             return;
         }
+        LogCapture log;
         QCoro::waitFor(service.save(value, key));
         QCOMPARE(readDirectly(key), std::optional<QByteArray>(value.toUtf8()));
         QCOMPARE(QCoro::waitFor(KeychainService().load(key)), std::optional<QString>(value));
+        // The keyring keeps it encrypted; no other file and no log line has it.
+        verifyKeptNowhereElse(value, log);
     }
 
     void emptyValueIsStoredLikeAnyOther()
