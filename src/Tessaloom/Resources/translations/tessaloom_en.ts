@@ -590,5 +590,17 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Completion</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="keychain.error.saveFailed.">
+        <source>Failed to save to Keychain (status: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="keychain.error.loadFailed.">
+        <source>Failed to load from Keychain (status: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="keychain.error.deleteFailed.">
+        <source>Failed to delete from Keychain (status: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
