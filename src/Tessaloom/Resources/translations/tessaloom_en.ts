@@ -590,5 +590,9 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Completion</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="pricing.brickeconomy.tokenNotConfigured">
+        <source>BrickEconomy API token not configured.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
