@@ -486,5 +486,17 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>The catalog in use holds no sets or cannot be read.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="sync.error.setNotFound">
+        <source>Set %1 not found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sync.error.syncFailed">
+        <source>Sync failed at %1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sync.error.catalogUnavailable">
+        <source>Rebrickable catalog database not available</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
