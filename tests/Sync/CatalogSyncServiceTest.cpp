@@ -229,7 +229,7 @@ private Q_SLOTS:
         QCOMPARE(colorWithID(47).isTransparent, true);
     }
 
-    // Edge: a number without suffix, and with "-1" and blanks around it, is one CatalogSet.
+    // A number without suffix, and with "-1" and blanks around it, is one CatalogSet.
     void numberWithAndWithoutSuffixAndBlanksLeadsToTheSameCatalogSet()
     {
         const ObjectID bare = sync(u"75192"_s);
@@ -240,7 +240,7 @@ private Q_SLOTS:
         QCOMPARE(linesOf(bare).size(), 3);
     }
 
-    // Edge: a second sync refreshes the facts but keeps a theme that is filled already.
+    // A second sync refreshes the facts but keeps a theme that is filled already.
     void secondSyncRefreshesTheFactsButKeepsAFilledTheme()
     {
         const ObjectID id = sync(u"75192-1"_s);
@@ -264,7 +264,7 @@ private Q_SLOTS:
         QCOMPARE(set.themeGroup, u"Imported > Group"_s);
     }
 
-    // Edge: an empty theme name (and path) is filled from the catalog.
+    // An empty theme name (and path) is filled from the catalog.
     void emptyThemeNameGetsTheCatalogsThemeName()
     {
         CatalogSet set;
@@ -286,7 +286,7 @@ private Q_SLOTS:
         QCOMPARE(stored.themeGroup, u""_s);
     }
 
-    // Edge: a catalog row without img_url clears an imageURL set before.
+    // A catalog row without img_url clears an imageURL set before.
     void catalogRowWithoutImageClearsAnEarlierImageURL()
     {
         CatalogSet set;
@@ -298,7 +298,7 @@ private Q_SLOTS:
         QCOMPARE(storedSet(set.objectID).imageURL, std::nullopt);
     }
 
-    // Edge: no inventory gives partsSyncDate, no lines, and the log line with the count 0.
+    // No inventory gives partsSyncDate, no lines, and the log line with the count 0.
     void setWithoutInventoryGetsItsPartsSyncDateNoLinesAndLogsZeroParts()
     {
         SyncLogRecord log;
@@ -317,7 +317,7 @@ private Q_SLOTS:
         QCOMPARE(log.lines(), (QList<SyncLogRecord::Line>{{QtInfoMsg, u"Synced 2 parts for 6000-1"_s}}));
     }
 
-    // Edge: a part missing from the part table is named by its number.
+    // A part missing from the part table is named by its number.
     void partMissingFromTheCatalogIsNamedByItsNumber()
     {
         const QList<CatalogSetPart> lines = linesOf(sync(u"8000-1"_s));
@@ -327,7 +327,7 @@ private Q_SLOTS:
         QCOMPARE(part.name, u"9999"_s);
     }
 
-    // Edge: a colour missing from the colour table is "Unknown", "000000", not transparent.
+    // A colour missing from the colour table is "Unknown", "000000", not transparent.
     void colourMissingFromTheCatalogIsUnknownBlackAndOpaque()
     {
         const QList<CatalogSetPart> lines = linesOf(sync(u"8000-1"_s));
@@ -340,7 +340,7 @@ private Q_SLOTS:
         QCOMPARE(lines[0].quantity, 3);
     }
 
-    // Edge: a regular and a spare row of one part and colour share one line, holding one
+    // A regular and a spare row of one part and colour share one line, holding one
     // row's quantity (not the sum) and that row's isSpare.
     void regularAndSpareRowsOfOnePartAndColourShareOneLine()
     {
@@ -355,7 +355,7 @@ private Q_SLOTS:
         QCOMPARE(linesOf(id).size(), 1);
     }
 
-    // Edge: a newer catalog that dropped a part leaves its line, and what hangs on it.
+    // A newer catalog that dropped a part leaves its line, and what hangs on it.
     void partDroppedByANewerCatalogKeepsItsLine()
     {
         const ObjectID id = sync(u"75192-1"_s);
