@@ -23,9 +23,14 @@ int SQLiteConnection::openFlags(OpenMode mode)
 }
 
 SQLiteConnection::SQLiteConnection(const QString &path, OpenMode mode)
+    : SQLiteConnection(path.toUtf8(), openFlags(mode))
+{
+}
+
+SQLiteConnection::SQLiteConnection(const QByteArray &name, int flags)
 {
     sqlite3 *db = nullptr;
-    const int result = sqlite3_open_v2(path.toUtf8().constData(), &db, openFlags(mode), nullptr);
+    const int result = sqlite3_open_v2(name.constData(), &db, flags, nullptr);
     if (result == SQLITE_OK && db) {
         m_db = db;
         return;
@@ -36,13 +41,13 @@ SQLiteConnection::SQLiteConnection(const QString &path, OpenMode mode)
         sqlite3_close(db);
     }
     // m_db stays null, and a constructor that throws runs no destructor: nothing closes twice.
-    throw SQLiteError(SQLiteError::Kind::openFailed, message);
+    throw SQLiteError(SQLiteError::Kind::openFailed, message, result);
 }
 
 SQLiteConnection::~SQLiteConnection()
 {
-    // Not the _v2 form, and its result is not looked at: statements that were never
-    // finalised keep the connection alive, which is their owner's fault to fix.
+    // Not the _v2 form, and its result is not looked at: a statement still alive keeps
+    // the connection open, which its owner has to fix by letting the statement end first.
     sqlite3_close(m_db);
 }
 
@@ -54,7 +59,7 @@ void SQLiteConnection::execute(const QString &sql)
         return;
     const QString message = errorText ? QString::fromUtf8(errorText) : u"Unknown error"_s;
     sqlite3_free(errorText);
-    throw SQLiteError(SQLiteError::Kind::executeFailed, message);
+    throw SQLiteError(SQLiteError::Kind::executeFailed, message, sqlite3_extended_errcode(m_db));
 }
 
 SQLiteStatement SQLiteConnection::prepare(const QString &sql)
@@ -63,7 +68,19 @@ SQLiteStatement SQLiteConnection::prepare(const QString &sql)
     const int result = sqlite3_prepare_v2(m_db, sql.toUtf8().constData(), -1, &statement, nullptr);
     // An empty or comment-only text succeeds without a statement: that is a failure here.
     if (result != SQLITE_OK || !statement)
-        throw SQLiteError(SQLiteError::Kind::prepareFailed, QString::fromUtf8(sqlite3_errmsg(m_db)));
+        throw SQLiteError(SQLiteError::Kind::prepareFailed, QString::fromUtf8(sqlite3_errmsg(m_db)),
+                          sqlite3_extended_errcode(m_db));
+    return SQLiteStatement(statement);
+}
+
+SQLiteStatement SQLiteConnection::prepareForReuse(const QString &sql)
+{
+    sqlite3_stmt *statement = nullptr;
+    const int result = sqlite3_prepare_v3(m_db, sql.toUtf8().constData(), -1, SQLITE_PREPARE_PERSISTENT, &statement,
+                                          nullptr);
+    if (result != SQLITE_OK || !statement)
+        throw SQLiteError(SQLiteError::Kind::prepareFailed, QString::fromUtf8(sqlite3_errmsg(m_db)),
+                          sqlite3_extended_errcode(m_db));
     return SQLiteStatement(statement);
 }
 

@@ -4,6 +4,7 @@
 #include "SQLiteError.h"
 #include "SQLiteStatement.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 
@@ -15,10 +16,12 @@ struct sqlite3;
 namespace RebrickableKit {
 
 // A deliberately thin connection to one SQLite file: no schema knowledge, no statement
-// cache, no retry, no busy handling. Every query prepares, runs and finalises its own
-// statement. Not thread-safe: its owner makes sure one thread at a time uses it.
+// cache, no retry, no busy handling. Every query prepares and runs its own statement, which
+// finalises itself when it ends. Not thread-safe: its owner makes sure one thread at a time
+// uses it.
 //
-// The connection is closed by the destructor and nowhere else; there is no close().
+// The connection is closed by the destructor and nowhere else; there is no close(). Its
+// statements must have ended by then, or the file stays open.
 class SQLiteConnection
 {
 public:
@@ -30,6 +33,10 @@ public:
 
     // Throws SQLiteError::openFailed.
     SQLiteConnection(const QString &path, OpenMode mode);
+    // Opens with exactly these sqlite3_open_v2 flags, for an owner that needs more than
+    // the three modes (a URI name, no mutex); `name` is what sqlite3_open_v2 takes, UTF-8.
+    // Throws SQLiteError::openFailed.
+    SQLiteConnection(const QByteArray &name, int flags);
     ~SQLiteConnection();
     SQLiteConnection(const SQLiteConnection &) = delete;
     SQLiteConnection &operator=(const SQLiteConnection &) = delete;
@@ -43,9 +50,13 @@ public:
     void execute(const QString &sql);
     // Throws SQLiteError::prepareFailed, also for a text that holds no statement.
     SQLiteStatement prepare(const QString &sql);
+    // The same for a statement that its owner keeps and runs many times: SQLite takes its
+    // memory from the heap rather than the connection's small lookaside pool.
+    SQLiteStatement prepareForReuse(const QString &sql);
 
     // All rows that map() turns into values. A step that fails ends the rows like the end
-    // of the result: the caller gets what was read so far, and no error.
+    // of the result: the caller gets what was read so far, and no error. An error thrown
+    // by bind() or map() passes through; the statement ends with it.
     template <typename Bind, typename Map>
     auto query(const QString &sql, Bind &&bind, Map &&map) -> QList<std::invoke_result_t<Map, SQLiteStatement &>>;
     template <typename Map>
@@ -76,16 +87,10 @@ template <typename Bind, typename Map>
 auto SQLiteConnection::query(const QString &sql, Bind &&bind, Map &&map) -> QList<std::invoke_result_t<Map, SQLiteStatement &>>
 {
     SQLiteStatement statement = prepare(sql);
+    bind(statement);
     QList<std::invoke_result_t<Map, SQLiteStatement &>> rows;
-    try {
-        bind(statement);
-        while (statement.step())
-            rows.append(map(statement));
-    } catch (...) {
-        statement.finalize();
-        throw;
-    }
-    statement.finalize();
+    while (statement.step())
+        rows.append(map(statement));
     return rows;
 }
 
@@ -93,17 +98,10 @@ template <typename Bind, typename Map>
 auto SQLiteConnection::queryOne(const QString &sql, Bind &&bind, Map &&map) -> std::optional<std::invoke_result_t<Map, SQLiteStatement &>>
 {
     SQLiteStatement statement = prepare(sql);
-    std::optional<std::invoke_result_t<Map, SQLiteStatement &>> row;
-    try {
-        bind(statement);
-        if (statement.step())
-            row = map(statement);
-    } catch (...) {
-        statement.finalize();
-        throw;
-    }
-    statement.finalize();
-    return row;
+    bind(statement);
+    if (!statement.step())
+        return std::nullopt;
+    return map(statement);
 }
 
 } // namespace RebrickableKit

@@ -5,9 +5,10 @@ using namespace Qt::StringLiterals;
 
 namespace RebrickableKit {
 
-SQLiteError::SQLiteError(Kind kind, QString message)
+SQLiteError::SQLiteError(Kind kind, QString message, int code)
     : m_kind(kind)
     , m_message(std::move(message))
+    , m_code(code)
     , m_what(description().toUtf8())
 {
 }

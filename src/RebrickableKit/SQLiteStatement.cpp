@@ -13,17 +13,53 @@ SQLiteStatement::SQLiteStatement(sqlite3_stmt *statement)
 {
 }
 
+SQLiteStatement::~SQLiteStatement()
+{
+    release();
+}
+
 SQLiteStatement::SQLiteStatement(SQLiteStatement &&other) noexcept
     : m_statement(std::exchange(other.m_statement, nullptr))
     , m_bindIndex(std::exchange(other.m_bindIndex, 1))
+    , m_owned(other.m_owned)
+    , m_failureHandler(other.m_failureHandler)
 {
 }
 
 SQLiteStatement &SQLiteStatement::operator=(SQLiteStatement &&other) noexcept
 {
+    if (this == &other)
+        return *this;
+    release();
     m_statement = std::exchange(other.m_statement, nullptr);
     m_bindIndex = std::exchange(other.m_bindIndex, 1);
+    m_owned = other.m_owned;
+    m_failureHandler = other.m_failureHandler;
     return *this;
+}
+
+void SQLiteStatement::release() noexcept
+{
+    if (!m_statement)
+        return;
+    if (m_owned) {
+        sqlite3_finalize(m_statement);
+    } else {
+        // Its owner runs it again later: leave it as if freshly prepared. A statement left
+        // in the middle of its rows would keep a read transaction open on the connection.
+        sqlite3_reset(m_statement);
+        sqlite3_clear_bindings(m_statement);
+    }
+    m_statement = nullptr;
+    m_bindIndex = 1;
+}
+
+SQLiteStatement SQLiteStatement::borrow()
+{
+    SQLiteStatement borrowed(m_statement);
+    borrowed.m_owned = false;
+    borrowed.m_failureHandler = m_failureHandler;
+    return borrowed;
 }
 
 void SQLiteStatement::advanceBindIndex()
@@ -31,6 +67,12 @@ void SQLiteStatement::advanceBindIndex()
     if (m_bindIndex == std::numeric_limits<int>::max())
         qFatal("SQLiteStatement: parameter index overflow");
     ++m_bindIndex;
+}
+
+void SQLiteStatement::bindIndexAfter(int index)
+{
+    m_bindIndex = index;
+    advanceBindIndex();
 }
 
 void SQLiteStatement::bind(const QString &value)
@@ -75,9 +117,46 @@ void SQLiteStatement::bindNull()
     advanceBindIndex();
 }
 
+void SQLiteStatement::bindNull(int index)
+{
+    sqlite3_bind_null(m_statement, index);
+    bindIndexAfter(index);
+}
+
+void SQLiteStatement::bindInteger(int index, qint64 value)
+{
+    sqlite3_bind_int64(m_statement, index, value);
+    bindIndexAfter(index);
+}
+
+void SQLiteStatement::bindText(int index, const QString &value)
+{
+    const QByteArray utf8 = value.toUtf8();
+    sqlite3_bind_text(m_statement, index, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
+    bindIndexAfter(index);
+}
+
+SQLiteStatement::StepResult SQLiteStatement::stepWithResult()
+{
+    const int result = sqlite3_step(m_statement);
+    if (result == SQLITE_ROW)
+        return StepResult::row;
+    if (result == SQLITE_DONE)
+        return StepResult::done;
+    if (m_failureHandler)
+        m_failureHandler(sqlite3_db_handle(m_statement));
+    return StepResult::failed;
+}
+
 bool SQLiteStatement::step()
 {
-    return sqlite3_step(m_statement) == SQLITE_ROW;
+    return stepWithResult() == StepResult::row;
+}
+
+void SQLiteStatement::run()
+{
+    while (step()) {
+    }
 }
 
 void SQLiteStatement::reset()
@@ -89,8 +168,7 @@ void SQLiteStatement::reset()
 
 void SQLiteStatement::finalize()
 {
-    sqlite3_finalize(m_statement);
-    m_statement = nullptr;
+    release();
 }
 
 qint64 SQLiteStatement::integer(int column) const
@@ -127,6 +205,11 @@ std::optional<qint64> SQLiteStatement::optionalInt(int column) const
     if (sqlite3_column_type(m_statement, column) == SQLITE_NULL)
         return std::nullopt;
     return sqlite3_column_int64(m_statement, column);
+}
+
+bool SQLiteStatement::isNull(int column) const
+{
+    return sqlite3_column_type(m_statement, column) == SQLITE_NULL;
 }
 
 } // namespace RebrickableKit

@@ -10,8 +10,6 @@
 
 #include <QFile>
 
-#include <sqlite3.h>
-
 using namespace Qt::StringLiterals;
 
 namespace RebrickableKit {
@@ -25,27 +23,6 @@ std::string_view upToNul(std::string_view field)
     const size_t nul = field.find('\0');
     return nul == std::string_view::npos ? field : field.substr(0, nul);
 }
-
-// Finalises the statement on every path, so that an error thrown mid-table still lets
-// the connection close.
-class StatementGuard
-{
-public:
-    explicit StatementGuard(SQLiteStatement &statement)
-        : m_statement(statement)
-    {
-    }
-    ~StatementGuard()
-    {
-        if (m_statement.handle())
-            m_statement.finalize();
-    }
-    StatementGuard(const StatementGuard &) = delete;
-    StatementGuard &operator=(const StatementGuard &) = delete;
-
-private:
-    SQLiteStatement &m_statement;
-};
 
 } // namespace
 
@@ -147,9 +124,8 @@ TableImportReport importRows(SQLiteConnection &connection, const CatalogSchema::
         throw CSVFileError(CSVFileError::Kind::readFailed, csvPath);
 
     connection.execute(u"BEGIN TRANSACTION"_s);
+    // Ends on every path, so that an error thrown mid-table still lets the connection close.
     SQLiteStatement statement = connection.prepare(table.insertStatement);
-    const StatementGuard guard(statement);
-    sqlite3 *const database = connection.handle();
 
     TableImportReport report;
     report.tableName = table.tableName;
@@ -186,15 +162,14 @@ TableImportReport importRows(SQLiteConnection &connection, const CatalogSchema::
         // A row that breaks a constraint (a repeated key) simply isn't stored, and the
         // import goes on; the result only decides which count the row goes to. An ignored
         // row of INSERT OR IGNORE is done with no change.
-        const int result = sqlite3_step(statement.handle());
+        const SQLiteStatement::StepResult result = statement.stepWithResult();
         if constexpr (counted) {
-            if (result == SQLITE_DONE && sqlite3_changes(database) > 0)
+            if (result == SQLiteStatement::StepResult::done && connection.changes() > 0)
                 ++report.rowsStored;
             else
                 ++report.rowsNotStored;
         } else {
             Q_UNUSED(result);
-            Q_UNUSED(database);
         }
         statement.reset();
     });
@@ -219,7 +194,8 @@ TableImportReport importRows(SQLiteConnection &connection, const CatalogSchema::
     if constexpr (counted)
         report.endsInsideQuotes = tokenizer.endedInsideQuotes();
 
-    statement.finalize();
+    // The statement was reset after its last row, so it does not stand in the way of the
+    // commit; it ends with this function.
     connection.execute(u"COMMIT"_s);
     return report;
 }

@@ -5,8 +5,10 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFuture>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include <sqlite3.h>
 
@@ -35,6 +37,13 @@ QString copyWithoutFullText(const QString &source, const QString &target)
 }
 
 } // namespace
+
+// Holds the lock of the connection that searches use, as a long search would.
+class RebrickableCatalogTestAccess
+{
+public:
+    static QMutex &searchLock(const RebrickableCatalog &catalog) { return catalog.m_searches.lock; }
+};
 
 class RebrickableCatalogTest : public QObject
 {
@@ -204,6 +213,44 @@ private Q_SLOTS:
         QCOMPARE(m_catalog->theme(1)->parentID, std::nullopt);
         QCOMPARE(m_catalog->theme(4)->parentID, 3);
         QCOMPARE(m_catalog->setCount(), 13);
+    }
+
+    void lookUpsAnswerWhileASearchHoldsItsConnection()
+    {
+        QMutexLocker searchInProgress(&RebrickableCatalogTestAccess::searchLock(*m_catalog));
+        const std::shared_ptr<RebrickableCatalog> catalog = m_catalog;
+        // On a worker, so that a look-up that did wait fails the test instead of hanging it.
+        QFuture<QStringList> lookUps = QtConcurrent::run([catalog] {
+            return QStringList{catalog->theme(2).value_or(CatalogThemeResult{}).name,
+                               catalog->set(u"21-1"_s).value_or(CatalogSetResult{}).name,
+                               catalog->color(0).value_or(CatalogColorResult{}).name,
+                               catalog->part(u"3001"_s).value_or(CatalogPartResult{}).name,
+                               catalog->partCategoryName(11).value_or(QString()),
+                               catalog->themePath(4),
+                               QString::number(catalog->setCount()),
+                               QString::number(catalog->flatThemes().size()),
+                               QString::number(catalog->themeTree().size())};
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(lookUps.isFinished(), 5000);
+        const QStringList answers = lookUps.result();
+        QCOMPARE(answers.mid(0, 7), (QStringList{u"Ultimate Collector Series"_s, u"Small Set"_s, u"Black"_s,
+                                                 u"Brick 2 x 4"_s, u"Bricks"_s,
+                                                 u"Star Wars > Episode IV > Deep"_s, u"13"_s}));
+        QVERIFY(answers.at(7).toInt() > 0);
+        QVERIFY(answers.at(8).toInt() > 0);
+    }
+
+    void searchWaitsForItsConnectionAndThenAnswers()
+    {
+        QMutexLocker searchInProgress(&RebrickableCatalogTestAccess::searchLock(*m_catalog));
+        const std::shared_ptr<RebrickableCatalog> catalog = m_catalog;
+        QFuture<QList<CatalogSetResult>> search =
+            QtConcurrent::run([catalog] { return catalog->searchSets(u"falcon"_s, 10); });
+        QTest::qWait(100);
+        QVERIFY(!search.isFinished());
+        searchInProgress.unlock();
+        QTRY_VERIFY_WITH_TIMEOUT(search.isFinished(), 5000);
+        QCOMPARE(search.result().size(), 3);
     }
 
     void themePathJoinsAncestorsOutermostFirst()

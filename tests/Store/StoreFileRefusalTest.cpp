@@ -156,7 +156,7 @@ private Q_SLOTS:
         const QString path = storePath(folder);
         {
             StoreConnection connection(path, false, true);
-            StoreSchema::migrate(connection.handle());
+            StoreSchema::migrate(connection.sqliteConnection());
             connection.execute("PRAGMA application_id = 42");
         }
         const QByteArray before = readAll(path);
@@ -170,7 +170,7 @@ private Q_SLOTS:
         const QString path = storePath(folder);
         {
             StoreConnection connection(path, false, true);
-            StoreSchema::migrate(connection.handle());
+            StoreSchema::migrate(connection.sqliteConnection());
             connection.execute("PRAGMA user_version = 99");
         }
         const QByteArray before = readAll(path);
@@ -230,7 +230,7 @@ private Q_SLOTS:
         const QString path = storePath(folder);
         {
             StoreConnection connection(path, false, true);
-            StoreSchema::migrate(connection.handle(), 1);
+            StoreSchema::migrate(connection.sqliteConnection(), 1);
             connection.execute("PRAGMA application_id = 0");
             connection.execute("INSERT INTO WishlistItem (pk, setNumber) VALUES (1, '21309-1')");
         }
@@ -282,7 +282,7 @@ private:
     static qint64 applicationId(const QString &path)
     {
         StoreConnection connection(path, false, false);
-        return StoreSchema::storedApplicationId(connection.handle());
+        return StoreSchema::storedApplicationId(connection.sqliteConnection());
     }
 
     // The journal mode as the file's header records it: bytes 18 and 19 are 1 for a

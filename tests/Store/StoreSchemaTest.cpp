@@ -24,7 +24,7 @@ private Q_SLOTS:
         QTemporaryDir folder;
         auto store = openStore(folder);
         StoreConnection connection(store->path(), false, false);
-        QCOMPARE(StoreSchema::userVersion(connection.handle()), StoreSchema::latestVersion());
+        QCOMPARE(StoreSchema::userVersion(connection.sqliteConnection()), StoreSchema::latestVersion());
         QVERIFY(StoreSchema::latestVersion() >= 2);
         QCOMPARE(scalarText(connection, "PRAGMA journal_mode"), u"wal"_s);
         QCOMPARE(scalarText(connection, "PRAGMA foreign_keys"), u"1"_s);
@@ -41,8 +41,8 @@ private Q_SLOTS:
         {
             // A file as the first release wrote it: migration 1 only, data added by hand.
             StoreConnection connection(path, false, true);
-            StoreSchema::migrate(connection.handle(), 1);
-            QCOMPARE(StoreSchema::userVersion(connection.handle()), 1);
+            StoreSchema::migrate(connection.sqliteConnection(), 1);
+            QCOMPARE(StoreSchema::userVersion(connection.sqliteConnection()), 1);
             connection.execute("INSERT INTO CatalogSet (pk, setNumber, name, year, pieceCount) "
                                "VALUES (1, '10179-1', 'Ultimate Collector''s Millennium Falcon', 2007, 5195)");
             connection.execute("INSERT INTO BrickSet (pk, id, dateAdded, acquisitionType, pricePaid, catalogSet) "
@@ -50,7 +50,7 @@ private Q_SLOTS:
         }
         auto store = PersistentContainer::open(path);
         StoreConnection connection(path, false, false);
-        QCOMPARE(StoreSchema::userVersion(connection.handle()), StoreSchema::latestVersion());
+        QCOMPARE(StoreSchema::userVersion(connection.sqliteConnection()), StoreSchema::latestVersion());
         QCOMPARE(scalarText(connection, "SELECT count(*) FROM sqlite_schema WHERE name = 'BrickSet_isTrashed_dateAdded'"),
                  u"1"_s);
         const auto copy = store->viewContext().existingObject<BrickSet>(ObjectID{EntityType::BrickSet, 1});
@@ -71,12 +71,12 @@ private Q_SLOTS:
         const QString path = folder.filePath(u"Tessaloom.sqlite"_s);
         {
             StoreConnection connection(path, false, true);
-            StoreSchema::migrate(connection.handle());
+            StoreSchema::migrate(connection.sqliteConnection());
             connection.execute("PRAGMA user_version = 99");
         }
         QVERIFY_THROWS_EXCEPTION(StoreError, PersistentContainer::open(path));
         StoreConnection connection(path, false, false);
-        QCOMPARE(StoreSchema::userVersion(connection.handle()), 99);
+        QCOMPARE(StoreSchema::userVersion(connection.sqliteConnection()), 99);
     }
 
     void schemaDescribesEveryToManyRelationshipWithItsInverse()
@@ -98,7 +98,7 @@ private:
     static QString scalarText(StoreConnection &connection, const char *sql)
     {
         auto statement = connection.prepare(QString::fromUtf8(sql));
-        return statement.step() ? statement.text(0) : QString();
+        return statement.step() ? statement.string(0) : QString();
     }
 };
 

@@ -3,6 +3,7 @@
 
 #include "Endpoints.h"
 #include "Logging.h"
+#include "RebrickableKit/SQLiteConnection.h"
 #include "SearchTokenizer.h"
 #include "SetNumberNormalizer.h"
 #include "Services/CatalogMatchBuilder.h"
@@ -13,98 +14,55 @@
 #include <QFileInfo>
 #include <QMutex>
 #include <QStandardPaths>
+#include <QVariant>
 
 #include <sqlite3.h>
 
 #include <functional>
 
 using namespace Qt::StringLiterals;
+using RebrickableKit::SQLiteConnection;
+using RebrickableKit::SQLiteError;
+using RebrickableKit::SQLiteStatement;
 
 namespace {
 
-// A value bound to a statement: a number or UTF-8 text. A plain struct rather than
-// std::variant<int, QByteArray>, whose copies GCC 12 at -O3 wrongly reports as reading
-// uninitialised memory.
-struct Parameter
+// Binds each value in turn: a number or a text, the only two kinds a catalog query takes.
+void bindAll(SQLiteStatement &statement, const QVariantList &parameters)
 {
-    Parameter(int number)
-        : number(number)
-    {
+    for (const QVariant &parameter : parameters) {
+        if (parameter.typeId() == QMetaType::Int)
+            statement.bind(parameter.toInt());
+        else
+            statement.bind(parameter.toString());
     }
-    Parameter(QByteArray text)
-        : isText(true)
-        , text(std::move(text))
-    {
-    }
-
-    bool isText = false;
-    int number = 0;
-    QByteArray text;
-};
-
-// One prepared statement for the length of one query; finalised on every path.
-class Statement
-{
-public:
-    Statement(sqlite3 *db, const QString &sql)
-    {
-        const QByteArray text = sql.toUtf8();
-        if (!db || sqlite3_prepare_v2(db, text.constData(), int(text.size()), &m_statement, nullptr) != SQLITE_OK)
-            m_statement = nullptr;
-    }
-    ~Statement() { sqlite3_finalize(m_statement); }
-    Statement(const Statement &) = delete;
-    Statement &operator=(const Statement &) = delete;
-
-    bool isValid() const { return m_statement != nullptr; }
-    sqlite3_stmt *handle() const { return m_statement; }
-
-    void bind(const QList<Parameter> &parameters)
-    {
-        int index = 1;
-        for (const Parameter &parameter : parameters) {
-            if (parameter.isText)
-                sqlite3_bind_text(m_statement, index, parameter.text.constData(), int(parameter.text.size()),
-                                  SQLITE_TRANSIENT);
-            else
-                sqlite3_bind_int(m_statement, index, parameter.number);
-            ++index;
-        }
-    }
-
-private:
-    sqlite3_stmt *m_statement = nullptr;
-};
-
-QString text(sqlite3_stmt *statement, int column)
-{
-    const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(statement, column));
-    return bytes ? QString::fromUtf8(bytes, sqlite3_column_bytes(statement, column)) : QString();
 }
 
-std::optional<QString> optionalText(sqlite3_stmt *statement, int column)
+int intColumn(const SQLiteStatement &statement, int column)
 {
-    if (sqlite3_column_type(statement, column) == SQLITE_NULL)
-        return std::nullopt;
-    return text(statement, column);
+    return int(statement.integer(column));
 }
 
-std::optional<int> optionalInt(sqlite3_stmt *statement, int column)
+std::optional<int> optionalIntColumn(const SQLiteStatement &statement, int column)
 {
-    if (sqlite3_column_type(statement, column) == SQLITE_NULL)
-        return std::nullopt;
-    return sqlite3_column_int(statement, column);
+    const std::optional<qint64> value = statement.optionalInt(column);
+    return value ? std::optional<int>(int(*value)) : std::nullopt;
 }
 
-CatalogSetResult readSet(sqlite3_stmt *statement)
+CatalogSetResult readSet(SQLiteStatement &statement)
 {
-    return {text(statement, 0), text(statement, 1), sqlite3_column_int(statement, 2),
-            sqlite3_column_int(statement, 3), sqlite3_column_int(statement, 4), optionalText(statement, 5)};
+    return {statement.string(0), statement.string(1), intColumn(statement, 2), intColumn(statement, 3),
+            intColumn(statement, 4), statement.optionalString(5)};
 }
 
-CatalogThemeResult readTheme(sqlite3_stmt *statement)
+CatalogThemeResult readTheme(SQLiteStatement &statement)
 {
-    return {sqlite3_column_int(statement, 0), text(statement, 1), optionalInt(statement, 2)};
+    return {intColumn(statement, 0), statement.string(1), optionalIntColumn(statement, 2)};
+}
+
+int readInt(SQLiteStatement &statement)
+{
+    return intColumn(statement, 0);
 }
 
 QString placeholders(qsizetype count)
@@ -129,16 +87,42 @@ std::optional<QString> restoredPartImageURL(const std::optional<QString> &stored
 
 const QString selectSetColumns = u"SELECT set_num, name, year, theme_id, num_parts, img_url FROM sets"_s;
 
+// Runs one statement on `db` under its lock and reads each row with `readRow`. A failed
+// prepare gives nothing; a step that fails ends the loop with the rows read so far.
+template <typename Row>
+QList<Row> collect(const std::unique_ptr<SQLiteConnection> &db, QMutex &lock, const QString &sql,
+                   const QVariantList &parameters, const std::function<Row(SQLiteStatement &)> &readRow)
+{
+    const QMutexLocker locker(&lock);
+    if (!db)
+        return {};
+    try {
+        SQLiteStatement statement = db->prepare(sql);
+        bindAll(statement, parameters);
+        QList<Row> rows;
+        while (statement.step())
+            rows.append(readRow(statement));
+        return rows;
+    } catch (const SQLiteError &) {
+        return {};
+    }
+}
+
+template <typename Row>
+std::optional<Row> first(const QList<Row> &rows)
+{
+    return rows.isEmpty() ? std::nullopt : std::optional<Row>(rows.first());
+}
+
 QMutex sharedMutex;
 std::shared_ptr<RebrickableCatalog> sharedCatalog;
 bool sharedLoadTried = false;
 
 } // namespace
 
-RebrickableCatalog::~RebrickableCatalog()
-{
-    sqlite3_close(m_db);
-}
+RebrickableCatalog::RebrickableCatalog() = default;
+
+RebrickableCatalog::~RebrickableCatalog() = default;
 
 // ---- The shared instance and finding the file ----------------------------------------
 
@@ -208,54 +192,22 @@ std::shared_ptr<RebrickableCatalog> RebrickableCatalog::openFile(const QString &
 {
     std::shared_ptr<RebrickableCatalog> catalog(new RebrickableCatalog);
     catalog->m_path = path;
-    const QByteArray nativePath = QFile::encodeName(path);
-    if (sqlite3_open_v2(nativePath.constData(), &catalog->m_db, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr)
-            != SQLITE_OK
-        || !catalog->m_db) {
+    try {
+        // NOMUTEX: each connection's own lock already lets one statement at a time use it.
+        for (Connection *connection : {&catalog->m_searches, &catalog->m_lookUps})
+            connection->db = std::make_unique<SQLiteConnection>(QFile::encodeName(path),
+                                                                SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
+    } catch (const SQLiteError &) {
         if (errorText)
             *errorText = u"Failed to open database"_s;
-        return nullptr; // the destructor closes whatever handle SQLite gave back
+        return nullptr;
     }
-    {
-        Statement version(catalog->m_db, u"PRAGMA user_version"_s);
-        if (version.isValid() && sqlite3_step(version.handle()) == SQLITE_ROW)
-            catalog->m_schemaVersion = sqlite3_column_int(version.handle(), 0);
-    }
-    {
-        Statement fts(catalog->m_db, u"SELECT 1 FROM sqlite_master WHERE type='table' AND name='sets_fts'"_s);
-        catalog->m_hasFTS = fts.isValid() && sqlite3_step(fts.handle()) == SQLITE_ROW;
-    }
+    catalog->m_schemaVersion =
+        first(collect<int>(catalog->m_lookUps.db, catalog->m_lookUps.lock, u"PRAGMA user_version"_s, {}, readInt)).value_or(0);
+    const QString ftsTable = u"SELECT 1 FROM sqlite_master WHERE type='table' AND name='sets_fts'"_s;
+    catalog->m_hasFTS = !collect<int>(catalog->m_lookUps.db, catalog->m_lookUps.lock, ftsTable, {}, readInt).isEmpty();
     return catalog;
 }
-
-// ---- Running statements -----------------------------------------------------------------
-
-namespace {
-
-// Runs one statement under the catalog's lock and reads each row with `readRow`. A failed
-// prepare gives nothing; a step that fails ends the loop with the rows read so far.
-template <typename Row>
-QList<Row> collect(sqlite3 *db, QRecursiveMutex &lock, const QString &sql, const QList<Parameter> &parameters,
-                   const std::function<Row(sqlite3_stmt *)> &readRow)
-{
-    const QMutexLocker locker(&lock);
-    Statement statement(db, sql);
-    if (!statement.isValid())
-        return {};
-    statement.bind(parameters);
-    QList<Row> rows;
-    while (sqlite3_step(statement.handle()) == SQLITE_ROW)
-        rows.append(readRow(statement.handle()));
-    return rows;
-}
-
-template <typename Row>
-std::optional<Row> first(const QList<Row> &rows)
-{
-    return rows.isEmpty() ? std::nullopt : std::optional<Row>(rows.first());
-}
-
-} // namespace
 
 // ---- Searching sets ---------------------------------------------------------------------
 
@@ -300,12 +252,12 @@ QList<int> RebrickableCatalog::themeWithDescendants(int themeID) const
     QList<int> frontier{themeID};
     QSet<int> seen{themeID};
     while (!frontier.isEmpty()) {
-        QList<Parameter> parameters;
+        QVariantList parameters;
         for (const int id : frontier)
             parameters.append(id);
         const QList<int> children = collect<int>(
-            m_db, m_lock, u"SELECT id FROM themes WHERE parent_id IN ("_s + placeholders(frontier.size()) + u")"_s,
-            parameters, [](sqlite3_stmt *statement) { return sqlite3_column_int(statement, 0); });
+            m_searches.db, m_searches.lock, u"SELECT id FROM themes WHERE parent_id IN ("_s + placeholders(frontier.size()) + u")"_s,
+            parameters, readInt);
         frontier.clear();
         for (const int child : children) {
             // A cycle in the parent ids would otherwise walk forever.
@@ -323,7 +275,7 @@ QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, c
                                                          int limit) const
 {
     const QString trimmed = query.trimmed();
-    QList<Parameter> themeParameters;
+    QVariantList themeParameters;
     QString themeList;
     if (themeIDs) {
         for (const int id : *themeIDs)
@@ -333,7 +285,7 @@ QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, c
 
     if (!trimmed.isEmpty() && m_hasFTS) {
         const CatalogMatchBuilder::Match match = CatalogMatchBuilder::build(trimmed);
-        QList<Parameter> yearParameters;
+        QVariantList yearParameters;
         for (const int year : match.years)
             yearParameters.append(year);
         const QString yearList = placeholders(match.years.size());
@@ -348,16 +300,16 @@ QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, c
             if (!match.years.isEmpty())
                 sql += u" AND s.year IN ("_s + yearList + u")"_s;
             sql += u"\nORDER BY rank\nLIMIT ?"_s;
-            const QList<Parameter> parameters =
-                QList<Parameter>{match.matchText->toUtf8()} + themeParameters + yearParameters + QList<Parameter>{limit};
-            return collect<CatalogSetResult>(m_db, m_lock, sql, parameters, readSet);
+            const QVariantList parameters =
+                QVariantList{*match.matchText} + themeParameters + yearParameters + QVariantList{limit};
+            return collect<CatalogSetResult>(m_searches.db, m_searches.lock, sql, parameters, readSet);
         }
         if (!match.years.isEmpty()) {
             QString sql = selectSetColumns + u" WHERE "_s;
             if (themeIDs)
                 sql += u"theme_id IN ("_s + themeList + u") AND "_s;
             sql += u"year IN ("_s + yearList + u") ORDER BY year DESC, name ASC LIMIT ?"_s;
-            return collect<CatalogSetResult>(m_db, m_lock, sql, themeParameters + yearParameters + QList<Parameter>{limit},
+            return collect<CatalogSetResult>(m_searches.db, m_searches.lock, sql, themeParameters + yearParameters + QVariantList{limit},
                                              readSet);
         }
     }
@@ -365,9 +317,9 @@ QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, c
     // The fallback, which also serves the empty query (newest sets first) and a file
     // without the full-text table. "%" and "_" in a token act as wildcards on purpose.
     QStringList conditions;
-    QList<Parameter> tokenParameters;
+    QVariantList tokenParameters;
     for (const SearchTokenizer::Token &token : SearchTokenizer::tokenize(trimmed)) {
-        const QByteArray pattern = (u'%' + token.text + u'%').toUtf8();
+        const QString pattern = u'%' + token.text + u'%';
         tokenParameters << pattern << pattern;
         if (token.year) {
             conditions << u"(name LIKE ? OR set_num LIKE ? OR year = ?)"_s;
@@ -385,7 +337,7 @@ QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, c
         sql += u" WHERE "_s + conditions.join(u" AND "_s);
     }
     sql += u" ORDER BY year DESC, name ASC LIMIT ?"_s;
-    return collect<CatalogSetResult>(m_db, m_lock, sql, themeParameters + tokenParameters + QList<Parameter>{limit},
+    return collect<CatalogSetResult>(m_searches.db, m_searches.lock, sql, themeParameters + tokenParameters + QVariantList{limit},
                                      readSet);
 }
 
@@ -393,8 +345,8 @@ QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, c
 
 std::optional<CatalogSetResult> RebrickableCatalog::set(const QString &number) const
 {
-    return first(collect<CatalogSetResult>(m_db, m_lock, selectSetColumns + u" WHERE set_num = ?"_s,
-                                           {number.toUtf8()}, readSet));
+    return first(collect<CatalogSetResult>(m_lookUps.db, m_lookUps.lock, selectSetColumns + u" WHERE set_num = ?"_s,
+                                           {number}, readSet));
 }
 
 QList<CatalogInventoryPartResult> RebrickableCatalog::inventoryParts(const QString &setNumber) const
@@ -405,41 +357,39 @@ QList<CatalogInventoryPartResult> RebrickableCatalog::inventoryParts(const QStri
                         "WHERE i.set_num = ?\n"
                         "AND i.version = (SELECT MAX(i2.version) FROM inventories i2 WHERE i2.set_num = ?)\n"
                         "ORDER BY ip.part_num"_s;
-    const QByteArray number = setNumber.toUtf8();
-    return collect<CatalogInventoryPartResult>(m_db, m_lock, sql, {number, number}, [](sqlite3_stmt *statement) {
-        return CatalogInventoryPartResult{text(statement, 0), sqlite3_column_int(statement, 1),
-                                          sqlite3_column_int(statement, 2), sqlite3_column_int(statement, 3) != 0,
-                                          restoredPartImageURL(optionalText(statement, 4))};
+    return collect<CatalogInventoryPartResult>(m_searches.db, m_searches.lock, sql, {setNumber, setNumber}, [](SQLiteStatement &statement) {
+        return CatalogInventoryPartResult{statement.string(0), intColumn(statement, 1), intColumn(statement, 2),
+                                          statement.boolean(3), restoredPartImageURL(statement.optionalString(4))};
     });
 }
 
 std::optional<CatalogColorResult> RebrickableCatalog::color(int id) const
 {
     return first(collect<CatalogColorResult>(
-        m_db, m_lock, u"SELECT id, name, rgb, is_trans FROM colors WHERE id = ?"_s, {id}, [](sqlite3_stmt *statement) {
-            return CatalogColorResult{sqlite3_column_int(statement, 0), text(statement, 1), text(statement, 2),
-                                      sqlite3_column_int(statement, 3) != 0};
+        m_lookUps.db, m_lookUps.lock, u"SELECT id, name, rgb, is_trans FROM colors WHERE id = ?"_s, {id}, [](SQLiteStatement &statement) {
+            return CatalogColorResult{intColumn(statement, 0), statement.string(1), statement.string(2),
+                                      statement.boolean(3)};
         }));
 }
 
 std::optional<CatalogPartResult> RebrickableCatalog::part(const QString &number) const
 {
     return first(collect<CatalogPartResult>(
-        m_db, m_lock, u"SELECT part_num, name, part_cat_id FROM parts WHERE part_num = ?"_s, {number.toUtf8()},
-        [](sqlite3_stmt *statement) {
-            return CatalogPartResult{text(statement, 0), text(statement, 1), sqlite3_column_int(statement, 2)};
+        m_lookUps.db, m_lookUps.lock, u"SELECT part_num, name, part_cat_id FROM parts WHERE part_num = ?"_s, {number},
+        [](SQLiteStatement &statement) {
+            return CatalogPartResult{statement.string(0), statement.string(1), intColumn(statement, 2)};
         }));
 }
 
 std::optional<QString> RebrickableCatalog::partCategoryName(int id) const
 {
-    return first(collect<QString>(m_db, m_lock, u"SELECT name FROM part_categories WHERE id = ?"_s, {id},
-                                  [](sqlite3_stmt *statement) { return text(statement, 0); }));
+    return first(collect<QString>(m_lookUps.db, m_lookUps.lock, u"SELECT name FROM part_categories WHERE id = ?"_s, {id},
+                                  [](SQLiteStatement &statement) { return statement.string(0); }));
 }
 
 std::optional<CatalogThemeResult> RebrickableCatalog::theme(int id) const
 {
-    return first(collect<CatalogThemeResult>(m_db, m_lock, u"SELECT id, name, parent_id FROM themes WHERE id = ?"_s,
+    return first(collect<CatalogThemeResult>(m_lookUps.db, m_lookUps.lock, u"SELECT id, name, parent_id FROM themes WHERE id = ?"_s,
                                              {id}, readTheme));
 }
 
@@ -463,23 +413,21 @@ QList<ThemeNode> RebrickableCatalog::themeTree() const
 {
     // Each statement takes the lock on its own; the shaping runs outside it.
     const QList<CatalogThemeResult> themes =
-        collect<CatalogThemeResult>(m_db, m_lock, u"SELECT id, name, parent_id FROM themes ORDER BY name"_s, {}, readTheme);
-    const QList<int> used = collect<int>(m_db, m_lock, u"SELECT DISTINCT theme_id FROM sets"_s, {},
-                                         [](sqlite3_stmt *statement) { return sqlite3_column_int(statement, 0); });
+        collect<CatalogThemeResult>(m_lookUps.db, m_lookUps.lock, u"SELECT id, name, parent_id FROM themes ORDER BY name"_s, {}, readTheme);
+    const QList<int> used = collect<int>(m_lookUps.db, m_lookUps.lock, u"SELECT DISTINCT theme_id FROM sets"_s, {}, readInt);
     return CatalogThemeHierarchy::tree(themes, QSet<int>(used.cbegin(), used.cend()));
 }
 
 QList<FlatThemeResult> RebrickableCatalog::flatThemes() const
 {
     const QList<CatalogThemeResult> themes =
-        collect<CatalogThemeResult>(m_db, m_lock, u"SELECT id, name, parent_id FROM themes ORDER BY name"_s, {}, readTheme);
+        collect<CatalogThemeResult>(m_lookUps.db, m_lookUps.lock, u"SELECT id, name, parent_id FROM themes ORDER BY name"_s, {}, readTheme);
     using Stats = std::pair<int, CatalogThemeHierarchy::ThemeStats>;
     const QList<Stats> stats = collect<Stats>(
-        m_db, m_lock, u"SELECT theme_id, COUNT(*), MIN(year), MAX(year) FROM sets GROUP BY theme_id"_s, {},
-        [](sqlite3_stmt *statement) {
-            return Stats{sqlite3_column_int(statement, 0),
-                         {sqlite3_column_int(statement, 1), sqlite3_column_int(statement, 2),
-                          sqlite3_column_int(statement, 3)}};
+        m_lookUps.db, m_lookUps.lock, u"SELECT theme_id, COUNT(*), MIN(year), MAX(year) FROM sets GROUP BY theme_id"_s, {},
+        [](SQLiteStatement &statement) {
+            return Stats{intColumn(statement, 0),
+                         {intColumn(statement, 1), intColumn(statement, 2), intColumn(statement, 3)}};
         });
     QHash<int, CatalogThemeHierarchy::ThemeStats> statsByTheme;
     for (const auto &[themeID, themeStats] : stats)
@@ -489,7 +437,5 @@ QList<FlatThemeResult> RebrickableCatalog::flatThemes() const
 
 int RebrickableCatalog::setCount() const
 {
-    return first(collect<int>(m_db, m_lock, u"SELECT COUNT(*) FROM sets"_s, {},
-                              [](sqlite3_stmt *statement) { return sqlite3_column_int(statement, 0); }))
-        .value_or(0);
+    return first(collect<int>(m_lookUps.db, m_lookUps.lock, u"SELECT COUNT(*) FROM sets"_s, {}, readInt)).value_or(0);
 }

@@ -3,19 +3,25 @@
 
 #include "Services/CatalogResults.h"
 
-#include <QRecursiveMutex>
+#include <QMutex>
 #include <QString>
 #include <QStringList>
 
 #include <memory>
 #include <optional>
 
-struct sqlite3;
+namespace RebrickableKit {
+class SQLiteConnection;
+}
 
 // The application's read access to the local catalog database: finds the file, opens it
-// read-only, and answers searches and look-ups. Callable from any thread: one connection,
-// with every statement serialised by a recursive lock. It never raises: a query that
-// cannot run gives an empty result (an empty list, or nothing).
+// read-only, and answers searches and look-ups. Callable from any thread. It never raises:
+// a query that cannot run gives an empty result (an empty list, or nothing).
+//
+// Two read-only connections, each with its own lock held for one statement at a time: the
+// searches and inventory reads that workers run, which can take tens of milliseconds, use
+// one; the short look-ups the window makes on the main thread (a theme, a set, the set
+// count) use the other, so a search in progress never holds up a repaint.
 //
 // One instance serves the process (shared()); after a new build the catalog service stores
 // a fresh one with replaceShared(). Holders keep the instance they got alive, so a reader
@@ -73,14 +79,23 @@ public:
     void promoteExactHit(const QString &query, QList<CatalogSetResult> &results) const;
 
 private:
-    RebrickableCatalog() = default;
+    // One SQLite connection and the lock that lets one statement at a time use it.
+    struct Connection
+    {
+        std::unique_ptr<RebrickableKit::SQLiteConnection> db;
+        mutable QMutex lock;
+    };
+
+    friend class RebrickableCatalogTestAccess; // lets a test hold the search connection's lock
+
+    RebrickableCatalog();
 
     QList<CatalogSetResult> runSetSearch(const QString &query, const std::optional<QList<int>> &themeIDs,
                                          int limit) const;
 
     QString m_path;
-    mutable QRecursiveMutex m_lock;
-    sqlite3 *m_db = nullptr;
+    Connection m_searches; // searches, theme expansion for them, inventories
+    Connection m_lookUps;  // everything else: short, and asked from the main thread
     int m_schemaVersion = 0;
     bool m_hasFTS = false;
 };

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Decimal.h"
+#include "RebrickableKit/SQLiteStatement.h"
 #include "Store/ObjectID.h"
-#include "Store/SqlStatement.h"
 
 #include <QDateTime>
 #include <QString>
@@ -26,37 +26,37 @@ struct FieldMapping
     QStringView name;
     AttributeType type;
     EntityType target; // the related entity of a toOne field
-    void (*bind)(const T &object, SqlStatement &statement, int index);
-    void (*read)(T &object, const SqlStatement &statement, int column);
+    void (*bind)(const T &object, RebrickableKit::SQLiteStatement &statement, int index);
+    void (*read)(T &object, const RebrickableKit::SQLiteStatement &statement, int column);
     bool (*equal)(const T &left, const T &right);
     void (*copy)(T &target, const T &source);
 };
 
 namespace StoreValueCodec {
 
-inline void bind(SqlStatement &statement, int index, const std::optional<QString> &value)
+inline void bind(RebrickableKit::SQLiteStatement &statement, int index, const std::optional<QString> &value)
 {
     value ? statement.bindText(index, *value) : statement.bindNull(index);
 }
-inline void bind(SqlStatement &statement, int index, bool value)
+inline void bind(RebrickableKit::SQLiteStatement &statement, int index, bool value)
 {
     statement.bindInteger(index, value ? 1 : 0);
 }
-inline void bind(SqlStatement &statement, int index, qint16 value)
+inline void bind(RebrickableKit::SQLiteStatement &statement, int index, qint16 value)
 {
     statement.bindInteger(index, value);
 }
-inline void bind(SqlStatement &statement, int index, qint32 value)
+inline void bind(RebrickableKit::SQLiteStatement &statement, int index, qint32 value)
 {
     statement.bindInteger(index, value);
 }
-inline void bind(SqlStatement &statement, int index, const std::optional<QDateTime> &value)
+inline void bind(RebrickableKit::SQLiteStatement &statement, int index, const std::optional<QDateTime> &value)
 {
     // An invalid date carries no point in time: it is stored as absent.
     value && value->isValid() ? statement.bindInteger(index, value->toMSecsSinceEpoch())
                               : statement.bindNull(index);
 }
-inline void bind(SqlStatement &statement, int index, const std::optional<Decimal> &value)
+inline void bind(RebrickableKit::SQLiteStatement &statement, int index, const std::optional<Decimal> &value)
 {
     value ? statement.bindText(index, value->toString()) : statement.bindNull(index);
 }
@@ -64,46 +64,46 @@ inline QString uuidText(const QUuid &value)
 {
     return value.toString(QUuid::WithoutBraces);
 }
-inline void bind(SqlStatement &statement, int index, const QUuid &value)
+inline void bind(RebrickableKit::SQLiteStatement &statement, int index, const QUuid &value)
 {
     value.isNull() ? statement.bindNull(index) : statement.bindText(index, uuidText(value));
 }
-inline void bind(SqlStatement &statement, int index, const std::optional<ObjectID> &value)
+inline void bind(RebrickableKit::SQLiteStatement &statement, int index, const std::optional<ObjectID> &value)
 {
     value && value->isValid() ? statement.bindInteger(index, value->primaryKey) : statement.bindNull(index);
 }
 
-inline void read(const SqlStatement &statement, int column, std::optional<QString> &value)
+inline void read(const RebrickableKit::SQLiteStatement &statement, int column, std::optional<QString> &value)
 {
-    value = statement.optionalText(column);
+    value = statement.optionalString(column);
 }
-inline void read(const SqlStatement &statement, int column, bool &value)
+inline void read(const RebrickableKit::SQLiteStatement &statement, int column, bool &value)
 {
     value = statement.integer(column) != 0;
 }
-inline void read(const SqlStatement &statement, int column, qint16 &value)
+inline void read(const RebrickableKit::SQLiteStatement &statement, int column, qint16 &value)
 {
     value = qint16(statement.integer(column)); // the column's CHECK keeps it in range
 }
-inline void read(const SqlStatement &statement, int column, qint32 &value)
+inline void read(const RebrickableKit::SQLiteStatement &statement, int column, qint32 &value)
 {
     value = qint32(statement.integer(column)); // the column's CHECK keeps it in range
 }
-inline void read(const SqlStatement &statement, int column, std::optional<QDateTime> &value)
+inline void read(const RebrickableKit::SQLiteStatement &statement, int column, std::optional<QDateTime> &value)
 {
     if (statement.isNull(column))
         value.reset();
     else
         value = QDateTime::fromMSecsSinceEpoch(statement.integer(column), Qt::UTC);
 }
-inline void read(const SqlStatement &statement, int column, std::optional<Decimal> &value)
+inline void read(const RebrickableKit::SQLiteStatement &statement, int column, std::optional<Decimal> &value)
 {
     // A text that is no decimal (a hand-edited file) reads as absent, never as zero.
-    value = statement.isNull(column) ? std::nullopt : Decimal::fromString(statement.text(column));
+    value = statement.isNull(column) ? std::nullopt : Decimal::fromString(statement.string(column));
 }
-inline void read(const SqlStatement &statement, int column, QUuid &value)
+inline void read(const RebrickableKit::SQLiteStatement &statement, int column, QUuid &value)
 {
-    value = statement.isNull(column) ? QUuid() : QUuid::fromString(statement.text(column));
+    value = statement.isNull(column) ? QUuid() : QUuid::fromString(statement.string(column));
 }
 
 template <typename M>
@@ -148,8 +148,12 @@ FieldMapping<typename MemberPointerTraits<decltype(Member)>::Class> attribute(QS
         name,
         StoreValueCodec::attributeTypeOf<M>(),
         EntityType::BrickSet,
-        [](const C &object, SqlStatement &statement, int index) { StoreValueCodec::bind(statement, index, object.*Member); },
-        [](C &object, const SqlStatement &statement, int column) { StoreValueCodec::read(statement, column, object.*Member); },
+        [](const C &object, RebrickableKit::SQLiteStatement &statement, int index) {
+            StoreValueCodec::bind(statement, index, object.*Member);
+        },
+        [](C &object, const RebrickableKit::SQLiteStatement &statement, int column) {
+            StoreValueCodec::read(statement, column, object.*Member);
+        },
         [](const C &left, const C &right) { return left.*Member == right.*Member; },
         [](C &target, const C &source) { target.*Member = source.*Member; },
     };
@@ -164,8 +168,10 @@ FieldMapping<typename MemberPointerTraits<decltype(Member)>::Class> toOne(QStrin
         name,
         AttributeType::toOne,
         Target,
-        [](const C &object, SqlStatement &statement, int index) { StoreValueCodec::bind(statement, index, object.*Member); },
-        [](C &object, const SqlStatement &statement, int column) {
+        [](const C &object, RebrickableKit::SQLiteStatement &statement, int index) {
+            StoreValueCodec::bind(statement, index, object.*Member);
+        },
+        [](C &object, const RebrickableKit::SQLiteStatement &statement, int column) {
             if (statement.isNull(column))
                 (object.*Member).reset();
             else

@@ -87,7 +87,7 @@ void ManagedObjectContext::recordUpdate(const ObjectID &id, AnyEntity value, qui
     m_pending.insert(id, Pending{Pending::Kind::updated, std::move(value), changedFields, false, ++m_sequence});
 }
 
-void ManagedObjectContext::bindAll(SqlStatement &statement, const QList<SqlValue> &bindings)
+void ManagedObjectContext::bindAll(RebrickableKit::SQLiteStatement &statement, const QList<SqlValue> &bindings)
 {
     int index = 1;
     for (const SqlValue &value : bindings) {

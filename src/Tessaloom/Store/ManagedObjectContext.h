@@ -179,8 +179,8 @@ private:
     template <StoreEntity T>
     static QString columnList(const QString &alias);
     template <StoreEntity T>
-    static void readRow(T &object, const SqlStatement &statement, int firstColumn);
-    static void bindAll(SqlStatement &statement, const QList<SqlValue> &bindings);
+    static void readRow(T &object, const RebrickableKit::SQLiteStatement &statement, int firstColumn);
+    static void bindAll(RebrickableKit::SQLiteStatement &statement, const QList<SqlValue> &bindings);
     static QString orderBy(QueryCompiler &compiler, const QList<SortDescriptor> &descriptors);
     static QString limitClause(int limit);
     qint64 allocateKey(EntityType entity);

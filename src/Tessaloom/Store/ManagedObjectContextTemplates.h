@@ -13,7 +13,7 @@ QString ManagedObjectContext::columnList(const QString &alias)
 }
 
 template <StoreEntity T>
-void ManagedObjectContext::readRow(T &object, const SqlStatement &statement, int firstColumn)
+void ManagedObjectContext::readRow(T &object, const RebrickableKit::SQLiteStatement &statement, int firstColumn)
 {
     object.objectID = ObjectID{EntityTraits<T>::type, statement.integer(firstColumn)};
     int column = firstColumn + 1;

@@ -28,13 +28,13 @@ QString describePath(const QString &path, const QString &message)
 void checkWritableDatabase(StoreConnection &connection, const QString &path)
 {
     sqlite3 *database = connection.handle();
-    sqlite3_stmt *statement = nullptr;
-    int result = sqlite3_prepare_v2(database, "SELECT count(*) FROM sqlite_schema", -1, &statement, nullptr);
-    if (result == SQLITE_OK) {
-        result = sqlite3_step(statement);
-        sqlite3_finalize(statement);
+    bool readable = false;
+    try {
+        readable = connection.sqliteConnection().prepare(u"SELECT count(*) FROM sqlite_schema"_s).step();
+    } catch (const RebrickableKit::SQLiteError &) {
+        // Judged below from the connection's error, like a step that fails.
     }
-    if (result != SQLITE_ROW) {
+    if (!readable) {
         const int code = sqlite3_extended_errcode(database);
         const auto kind = (code & 0xff) == SQLITE_NOTADB ? StoreError::Kind::notADatabase : StoreError::Kind::openFailed;
         throw StoreError(kind, describePath(path, QString::fromUtf8(sqlite3_errmsg(database))), code);
@@ -94,7 +94,7 @@ std::unique_ptr<PersistentContainer> PersistentContainer::open(const QString &pa
         // Without a WAL beside it the read-only look saw the main file alone; this
         // connection sees everything a WAL or journal holds. Judged again, still before
         // the first write.
-        StoreFileInspector::identify(anchor.handle(), path);
+        StoreFileInspector::identify(anchor.sqliteConnection(), path);
         try {
             // WAL: readers never wait for a writer, and a commit is one append, so a crash
             // leaves the last commit either whole or absent.
@@ -104,7 +104,7 @@ std::unique_ptr<PersistentContainer> PersistentContainer::open(const QString &pa
         }
     }
     try {
-        StoreSchema::migrate(anchor.handle());
+        StoreSchema::migrate(anchor.sqliteConnection());
     } catch (const StoreError &error) {
         throw StoreError(error.kind(), describePath(path, error.detail()), error.sqliteCode());
     }

@@ -9,11 +9,20 @@
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
+using RebrickableKit::SQLiteError;
+using RebrickableKit::SQLiteStatement;
 
 namespace {
 // Long enough for a large background save to finish before a reader or another writer
 // gives up; short enough that a stuck writer shows up as an error rather than a hang.
 constexpr int busyTimeoutMilliseconds = 10000;
+
+// A failed step of a store statement is an error of the store: a save must not pass over
+// a row that a constraint refused.
+void throwQueryFailed(sqlite3 *database)
+{
+    throw StoreError::fromDatabase(StoreError::Kind::queryFailed, database);
+}
 } // namespace
 
 StoreConnection::StoreConnection(const QString &path, bool inMemory, bool create)
@@ -29,63 +38,51 @@ StoreConnection::StoreConnection(const QString &path, bool inMemory, bool create
         flags |= SQLITE_OPEN_URI;
         name = "file:/" + QUrl::toPercentEncoding(path) + "?vfs=memdb";
     }
-    const int result = sqlite3_open_v2(name.constData(), &m_database, flags, nullptr);
-    if (result != SQLITE_OK) {
-        const QString message = m_database ? QString::fromUtf8(sqlite3_errmsg(m_database))
-                                           : QString::fromUtf8(sqlite3_errstr(result));
-        sqlite3_close(m_database);
-        m_database = nullptr;
-        throw StoreError(StoreError::Kind::openFailed, message, result);
-    }
-    sqlite3_extended_result_codes(m_database, 1);
-    sqlite3_busy_timeout(m_database, busyTimeoutMilliseconds);
     try {
-        if (!TextFolding::registerFunction(m_database))
-            throw StoreError::fromDatabase(StoreError::Kind::openFailed, m_database);
-        execute("PRAGMA foreign_keys = ON");
-        // NORMAL is durable in WAL mode up to the last checkpointed commit and never
-        // corrupts; FULL additionally survives a power cut for the last commit, which is
-        // what the user's own records deserve.
-        execute("PRAGMA synchronous = FULL");
-    } catch (...) {
-        sqlite3_close(m_database);
-        m_database = nullptr;
-        throw;
+        m_connection = std::make_unique<RebrickableKit::SQLiteConnection>(name, flags);
+    } catch (const SQLiteError &error) {
+        throw StoreError(StoreError::Kind::openFailed, error.message(), error.code());
     }
+    // From here on a failure leaves through the members' destructors, which close the file.
+    sqlite3 *database = m_connection->handle();
+    sqlite3_extended_result_codes(database, 1);
+    sqlite3_busy_timeout(database, busyTimeoutMilliseconds);
+    if (!TextFolding::registerFunction(database))
+        throw StoreError::fromDatabase(StoreError::Kind::openFailed, database);
+    execute("PRAGMA foreign_keys = ON");
+    // NORMAL is durable in WAL mode up to the last checkpointed commit and never
+    // corrupts; FULL additionally survives a power cut for the last commit, which is
+    // what the user's own records deserve.
+    execute("PRAGMA synchronous = FULL");
 }
 
-StoreConnection::~StoreConnection()
-{
-    for (sqlite3_stmt *statement : std::as_const(m_statements))
-        sqlite3_finalize(statement);
-    sqlite3_close(m_database);
-}
+StoreConnection::~StoreConnection() = default;
 
-SqlStatement StoreConnection::prepare(const QString &sql)
+SQLiteStatement StoreConnection::prepare(const QString &sql)
 {
-    sqlite3_stmt *statement = m_statements.value(sql);
-    if (!statement) {
-        const QByteArray utf8 = sql.toUtf8();
-        if (sqlite3_prepare_v3(m_database, utf8.constData(), int(utf8.size()), SQLITE_PREPARE_PERSISTENT,
-                               &statement, nullptr)
-            != SQLITE_OK)
-            throw StoreError::fromDatabase(StoreError::Kind::queryFailed, m_database);
-        m_statements.insert(sql, statement);
+    auto cached = m_statements.find(sql);
+    if (cached == m_statements.end()) {
+        try {
+            SQLiteStatement statement = m_connection->prepareForReuse(sql);
+            statement.setFailureHandler(&throwQueryFailed);
+            cached = m_statements.emplace(sql, std::move(statement)).first;
+        } catch (const SQLiteError &error) {
+            throw StoreError(StoreError::Kind::queryFailed, error.message(), error.code());
+        }
     }
-    return SqlStatement(m_database, statement);
+    return cached->second.borrow();
 }
 
 void StoreConnection::execute(const char *sql)
 {
-    char *message = nullptr;
-    if (sqlite3_exec(m_database, sql, nullptr, nullptr, &message) != SQLITE_OK) {
-        const QString text = QString::fromUtf8(message ? message : sqlite3_errmsg(m_database));
-        sqlite3_free(message);
-        throw StoreError(StoreError::Kind::queryFailed, text, sqlite3_extended_errcode(m_database));
+    try {
+        m_connection->execute(QString::fromUtf8(sql));
+    } catch (const SQLiteError &error) {
+        throw StoreError(StoreError::Kind::queryFailed, error.message(), error.code());
     }
 }
 
 bool StoreConnection::inTransaction() const
 {
-    return sqlite3_get_autocommit(m_database) == 0;
+    return sqlite3_get_autocommit(m_connection->handle()) == 0;
 }

@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Store/SqlStatement.h"
+#include "RebrickableKit/SQLiteConnection.h"
 
-#include <QHash>
 #include <QString>
 
+#include <memory>
+#include <unordered_map>
+
 struct sqlite3;
-struct sqlite3_stmt;
 
 // One SQLite connection to the collection store, used by one context at a time: WAL,
 // foreign keys on, a busy timeout so that a writer waits for another rather than failing,
-// the folding function registered, and a cache of prepared statements.
+// the folding function registered, and a cache of prepared statements. It is built on the
+// catalog library's SQLite layer and speaks StoreError instead of SQLiteError.
 class StoreConnection
 {
 public:
@@ -22,16 +24,20 @@ public:
     StoreConnection(const StoreConnection &) = delete;
     StoreConnection &operator=(const StoreConnection &) = delete;
 
-    sqlite3 *handle() const { return m_database; }
+    sqlite3 *handle() const { return m_connection->handle(); }
+    // The plain connection, for work that sorts failures itself (opening checks, migration).
+    RebrickableKit::SQLiteConnection &sqliteConnection() { return *m_connection; }
 
-    // A cached prepared statement for `sql`. Throws StoreError.
-    SqlStatement prepare(const QString &sql);
-    // Runs statements without results. Throws StoreError of `kind`.
+    // The prepared statement for `sql`, borrowed from this connection's cache: it resets
+    // itself when it ends, and a step that fails throws StoreError. Throws StoreError.
+    RebrickableKit::SQLiteStatement prepare(const QString &sql);
+    // Runs statements without results. Throws StoreError::Kind::queryFailed.
     void execute(const char *sql);
 
     bool inTransaction() const;
 
 private:
-    sqlite3 *m_database = nullptr;
-    QHash<QString, sqlite3_stmt *> m_statements;
+    std::unique_ptr<RebrickableKit::SQLiteConnection> m_connection;
+    // Declared after the connection so that every statement ends before it closes.
+    std::unordered_map<QString, RebrickableKit::SQLiteStatement> m_statements;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Store/StoreFileInspector.h"
 
+#include "RebrickableKit/SQLiteConnection.h"
 #include "Store/EntityTraits.h"
 #include "Store/StoreError.h"
 #include "Store/StoreSchema.h"
@@ -15,8 +16,12 @@
 #include <sqlite3.h>
 
 #include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
+using RebrickableKit::SQLiteConnection;
+using RebrickableKit::SQLiteError;
+using RebrickableKit::SQLiteStatement;
 
 namespace {
 
@@ -59,17 +64,20 @@ StoreError databaseFailure(sqlite3 *database, const QString &path)
     return failure(kindForCode(code), path, QString::fromUtf8(sqlite3_errmsg(database)), code);
 }
 
-qint64 pragmaNumber(sqlite3 *database, const char *sql, const QString &path)
+// A prepare that fails reports through the connection like a step that fails: both are
+// judged by the connection's error once the statement has ended.
+qint64 pragmaNumber(SQLiteConnection &connection, const char *sql, const QString &path)
 {
-    sqlite3_stmt *statement = nullptr;
-    if (sqlite3_prepare_v2(database, sql, -1, &statement, nullptr) != SQLITE_OK)
-        throw databaseFailure(database, path);
-    const int result = sqlite3_step(statement);
-    const qint64 value = result == SQLITE_ROW ? sqlite3_column_int64(statement, 0) : 0;
-    sqlite3_finalize(statement);
-    if (result != SQLITE_ROW)
-        throw databaseFailure(database, path);
-    return value;
+    std::optional<qint64> value;
+    try {
+        SQLiteStatement statement = connection.prepare(QString::fromUtf8(sql));
+        if (statement.step())
+            value = statement.integer(0);
+    } catch (const SQLiteError &) {
+    }
+    if (!value)
+        throw databaseFailure(connection.handle(), path);
+    return *value;
 }
 
 struct SchemaObjects
@@ -78,25 +86,22 @@ struct SchemaObjects
     QStringList tables; // without SQLite's own sqlite_… tables
 };
 
-SchemaObjects schemaObjects(sqlite3 *database, const QString &path)
+SchemaObjects schemaObjects(SQLiteConnection &connection, const QString &path)
 {
-    sqlite3_stmt *statement = nullptr;
-    if (sqlite3_prepare_v2(database, "SELECT type, name FROM sqlite_schema", -1, &statement, nullptr) != SQLITE_OK)
-        throw databaseFailure(database, path);
     SchemaObjects objects;
-    int result = SQLITE_ROW;
-    while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
-        ++objects.count;
-        const auto text = [statement](int column) {
-            return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(statement, column)));
-        };
-        const QString name = text(1);
-        if (text(0) == u"table"_s && !name.startsWith(u"sqlite_"_s, Qt::CaseInsensitive))
-            objects.tables.append(name);
+    SQLiteStatement::StepResult result = SQLiteStatement::StepResult::failed;
+    try {
+        SQLiteStatement statement = connection.prepare(u"SELECT type, name FROM sqlite_schema"_s);
+        while ((result = statement.stepWithResult()) == SQLiteStatement::StepResult::row) {
+            ++objects.count;
+            const QString name = statement.string(1);
+            if (statement.string(0) == u"table"_s && !name.startsWith(u"sqlite_"_s, Qt::CaseInsensitive))
+                objects.tables.append(name);
+        }
+    } catch (const SQLiteError &) {
     }
-    sqlite3_finalize(statement);
-    if (result != SQLITE_DONE)
-        throw databaseFailure(database, path);
+    if (result != SQLiteStatement::StepResult::done)
+        throw databaseFailure(connection.handle(), path);
     return objects;
 }
 
@@ -174,23 +179,21 @@ StoreFileInspector::Identity StoreFileInspector::inspect(const QString &path)
     QByteArray uri = QUrl::fromLocalFile(info.absoluteFilePath()).toEncoded() + "?mode=ro";
     if (!hasWal(path))
         uri += "&immutable=1";
-    sqlite3 *handle = nullptr;
-    const int result = sqlite3_open_v2(uri.constData(), &handle, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
-    const std::unique_ptr<sqlite3, int (*)(sqlite3 *)> database(handle, &sqlite3_close);
-    if (result != SQLITE_OK) {
-        const QString message = handle ? QString::fromUtf8(sqlite3_errmsg(handle)) : QString::fromUtf8(sqlite3_errstr(result));
-        const int code = handle ? sqlite3_extended_errcode(handle) : result;
-        throw failure(kindForCode(code), path, message, code);
+    std::unique_ptr<SQLiteConnection> connection;
+    try {
+        connection = std::make_unique<SQLiteConnection>(uri, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    } catch (const SQLiteError &error) {
+        throw failure(kindForCode(error.code()), path, error.message(), error.code());
     }
-    sqlite3_extended_result_codes(handle, 1);
-    return identify(handle, path);
+    sqlite3_extended_result_codes(connection->handle(), 1);
+    return identify(*connection, path);
 }
 
-StoreFileInspector::Identity StoreFileInspector::identify(sqlite3 *database, const QString &path)
+StoreFileInspector::Identity StoreFileInspector::identify(SQLiteConnection &connection, const QString &path)
 {
-    const qint64 applicationId = pragmaNumber(database, "PRAGMA application_id", path);
-    const qint64 version = pragmaNumber(database, "PRAGMA user_version", path);
-    const SchemaObjects objects = schemaObjects(database, path);
+    const qint64 applicationId = pragmaNumber(connection, "PRAGMA application_id", path);
+    const qint64 version = pragmaNumber(connection, "PRAGMA user_version", path);
+    const SchemaObjects objects = schemaObjects(connection, path);
     if (applicationId == StoreSchema::applicationId) {
         if (version > StoreSchema::latestVersion()) {
             throw failure(StoreError::Kind::newerVersion, path,

@@ -3,7 +3,9 @@
 
 #include <QString>
 
-struct sqlite3;
+namespace RebrickableKit {
+class SQLiteConnection;
+}
 
 // Tells what lies at the collection store's path before anything is written there, so
 // that a file that is not ours (another program's database, a catalog, a damaged copy)
@@ -25,5 +27,5 @@ public:
 
     // The same judgement on an open connection, by reading only: the application id, the
     // user_version and the names of the tables. Throws StoreError like inspect().
-    static Identity identify(sqlite3 *database, const QString &path);
+    static Identity identify(RebrickableKit::SQLiteConnection &connection, const QString &path);
 };

@@ -2,6 +2,7 @@
 #include "Store/StoreSchema.h"
 
 #include "Logging.h"
+#include "RebrickableKit/SQLiteConnection.h"
 #include "Store/EntityTraits.h"
 #include "Store/StoreError.h"
 
@@ -10,6 +11,9 @@
 #include <array>
 
 using namespace Qt::StringLiterals;
+using RebrickableKit::SQLiteConnection;
+using RebrickableKit::SQLiteError;
+using RebrickableKit::SQLiteStatement;
 
 namespace {
 
@@ -151,13 +155,12 @@ QList<StoreSchema::Entity> buildEntities()
     return entities;
 }
 
-void execute(sqlite3 *database, const QByteArray &sql)
+void execute(SQLiteConnection &connection, const QByteArray &sql)
 {
-    char *message = nullptr;
-    if (sqlite3_exec(database, sql.constData(), nullptr, nullptr, &message) != SQLITE_OK) {
-        const QString text = QString::fromUtf8(message ? message : sqlite3_errmsg(database));
-        sqlite3_free(message);
-        throw StoreError(StoreError::Kind::migrationFailed, text, sqlite3_extended_errcode(database));
+    try {
+        connection.execute(QString::fromUtf8(sql));
+    } catch (const SQLiteError &error) {
+        throw StoreError(StoreError::Kind::migrationFailed, error.message(), error.code());
     }
 }
 
@@ -194,39 +197,40 @@ int StoreSchema::latestVersion()
 
 namespace {
 
-qint64 pragmaValue(sqlite3 *database, const char *sql)
+qint64 pragmaValue(SQLiteConnection &connection, const char *sql)
 {
-    sqlite3_stmt *statement = nullptr;
-    if (sqlite3_prepare_v2(database, sql, -1, &statement, nullptr) != SQLITE_OK)
-        throw StoreError::fromDatabase(StoreError::Kind::openFailed, database);
-    qint64 value = 0;
-    const int result = sqlite3_step(statement);
-    if (result == SQLITE_ROW)
-        value = sqlite3_column_int64(statement, 0);
-    sqlite3_finalize(statement);
-    if (result != SQLITE_ROW)
-        throw StoreError::fromDatabase(StoreError::Kind::openFailed, database);
-    return value;
+    std::optional<qint64> value;
+    try {
+        SQLiteStatement statement = connection.prepare(QString::fromUtf8(sql));
+        if (statement.step())
+            value = statement.integer(0);
+    } catch (const SQLiteError &error) {
+        throw StoreError(StoreError::Kind::openFailed, error.message(), error.code());
+    }
+    // The statement has ended; the connection still holds what went wrong with it.
+    if (!value)
+        throw StoreError::fromDatabase(StoreError::Kind::openFailed, connection.handle());
+    return *value;
 }
 
 const QByteArray markStatement = "PRAGMA application_id = " + QByteArray::number(StoreSchema::applicationId);
 
 } // namespace
 
-int StoreSchema::userVersion(sqlite3 *database)
+int StoreSchema::userVersion(SQLiteConnection &connection)
 {
-    return int(pragmaValue(database, "PRAGMA user_version"));
+    return int(pragmaValue(connection, "PRAGMA user_version"));
 }
 
-qint32 StoreSchema::storedApplicationId(sqlite3 *database)
+qint32 StoreSchema::storedApplicationId(SQLiteConnection &connection)
 {
-    return qint32(pragmaValue(database, "PRAGMA application_id"));
+    return qint32(pragmaValue(connection, "PRAGMA application_id"));
 }
 
-void StoreSchema::migrate(sqlite3 *database, int targetVersion)
+void StoreSchema::migrate(SQLiteConnection &connection, int targetVersion)
 {
     const int target = targetVersion < 0 ? latestVersion() : std::min(targetVersion, latestVersion());
-    int version = userVersion(database);
+    int version = userVersion(connection);
     if (version > latestVersion()) {
         throw StoreError(StoreError::Kind::newerVersion,
                          u"The file has schema version %1; this version knows up to %2."_s.arg(version).arg(
@@ -234,26 +238,26 @@ void StoreSchema::migrate(sqlite3 *database, int targetVersion)
     }
     while (version < target) {
         const int next = version + 1;
-        execute(database, "BEGIN IMMEDIATE");
+        execute(connection, "BEGIN IMMEDIATE");
         try {
-            execute(database, migrations[size_t(version)]);
-            execute(database, markStatement);
-            execute(database, "PRAGMA user_version = " + QByteArray::number(next));
-            execute(database, "COMMIT");
+            execute(connection, migrations[size_t(version)]);
+            execute(connection, markStatement);
+            execute(connection, "PRAGMA user_version = " + QByteArray::number(next));
+            execute(connection, "COMMIT");
         } catch (...) {
-            sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr);
+            sqlite3_exec(connection.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
             throw;
         }
         qCDebug(lcPersistence) << "Migrated the collection store to schema version" << next;
         version = next;
     }
-    if (version > 0 && storedApplicationId(database) != applicationId) {
-        execute(database, "BEGIN IMMEDIATE");
+    if (version > 0 && storedApplicationId(connection) != applicationId) {
+        execute(connection, "BEGIN IMMEDIATE");
         try {
-            execute(database, markStatement);
-            execute(database, "COMMIT");
+            execute(connection, markStatement);
+            execute(connection, "COMMIT");
         } catch (...) {
-            sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr);
+            sqlite3_exec(connection.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
             throw;
         }
         qCDebug(lcPersistence) << "Marked the collection store with its application id";

@@ -9,7 +9,9 @@
 
 #include <optional>
 
-struct sqlite3;
+namespace RebrickableKit {
+class SQLiteConnection;
+}
 
 // The shape of the collection store: the migrations that build it, numbered by
 // `PRAGMA user_version`, and a description of each entity's attributes and relationships
@@ -62,7 +64,7 @@ public:
     // application id, so a crash leaves the file at one version or the next and a new file
     // is never without the id. A store written before it carried the id gets it here.
     // Throws StoreError.
-    static void migrate(sqlite3 *database, int targetVersion = -1);
-    static int userVersion(sqlite3 *database);
-    static qint32 storedApplicationId(sqlite3 *database);
+    static void migrate(RebrickableKit::SQLiteConnection &connection, int targetVersion = -1);
+    static int userVersion(RebrickableKit::SQLiteConnection &connection);
+    static qint32 storedApplicationId(RebrickableKit::SQLiteConnection &connection);
 };

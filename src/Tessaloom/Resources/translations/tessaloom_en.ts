@@ -486,6 +486,110 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>The catalog in use holds no sets or cannot be read.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="api.error.http.">
+        <source>HTTP error %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.error.decoding.">
+        <source>Failed to decode response: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.error.invalidResponse">
+        <source>Invalid server response</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.decoding.dataCorrupted">
+        <source>The data is not valid JSON.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.decoding.keyNotFound">
+        <source>A required value is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.decoding.valueNotFound">
+        <source>A required value is null.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.decoding.typeMismatch">
+        <source>A value has the wrong type.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.transport.timedOut">
+        <source>The request timed out.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="api.transport.cancelled">
+        <source>The request was cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="pricing.error.missingCredentials.">
+        <source>Missing credentials for %1. Please configure them in Settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="pricing.error.invalidURL">
+        <source>Failed to build API request URL.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.completionParts.">
+        <source>%1 of %2 parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.completionPieces.">
+        <source>%1 of %2 pieces</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.completionPercent.">
+        <source>%1% complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.percent.">
+        <source>%1%</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.parts.completion.">
+        <source>%1 percent complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.all">
+        <source>All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.incomplete">
+        <source>Missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.complete">
+        <source>Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.none">
+        <source>None</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.color">
+        <source>Color</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.category">
+        <source>Category</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.name">
+        <source>Name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.quantity">
+        <source>Quantity</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.partNumber">
+        <source>Part Number</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.completion">
+        <source>Completion</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="sync.error.setNotFound">
         <source>Set %1 not found</source>
         <translation type="unfinished"></translation>
