@@ -590,6 +590,10 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Completion</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="pricing.brickeconomy.tokenNotConfigured">
+        <source>BrickEconomy API token not configured.</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="keychain.error.saveFailed.">
         <source>Failed to save to Keychain (status: %1)</source>
         <translation type="unfinished"></translation>
