@@ -26,3 +26,24 @@ foreach(setting present absent)
         SKIP_RETURN_CODE 77
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TESSALOOM_ENDPOINTS=")
 endforeach()
+
+# The provider registry's credential functions over the real store, run the same two ways:
+# legacy entries read and left in place, and store failures answered as absent.
+add_executable(PricingProviderRegistryKeychainTest PricingProviderRegistryKeychainTest.cpp)
+target_link_libraries(PricingProviderRegistryKeychainTest PRIVATE
+    TessaloomAPITestSupport TessaloomCompileOptions qt6keychain)
+foreach(setting present absent)
+    if(setting STREQUAL "present")
+        set(registry_test_name PricingProviderRegistryKeychainTest)
+    else()
+        set(registry_test_name PricingProviderRegistryWithoutSecretServiceTest)
+    endif()
+    add_test(NAME ${registry_test_name}
+        COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/run-with-secret-service.sh ${setting}
+                $<TARGET_FILE:PricingProviderRegistryKeychainTest>)
+    set_tests_properties(${registry_test_name} PROPERTIES
+        LABELS integration
+        TIMEOUT 120
+        SKIP_RETURN_CODE 77
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TESSALOOM_ENDPOINTS=")
+endforeach()
