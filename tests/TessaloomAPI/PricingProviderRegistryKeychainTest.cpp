@@ -67,6 +67,13 @@ const QStringList usedAccounts{
     u"bricklink_token_secret"_s,         u"brickset_api_key"_s,
 };
 
+// True once the secret service answers a delete, with or without an item to delete.
+bool secretServiceAnswers()
+{
+    const QKeychain::Error error = deleteDirectly(usedAccounts.constFirst());
+    return error == QKeychain::NoError || error == QKeychain::EntryNotFound;
+}
+
 std::optional<QString> read(const PricingProvider::CredentialLoader &loader, const QString &field)
 {
     const TaskOutcome<std::optional<QString>> outcome = waitForOutcome(loader(field));
@@ -106,6 +113,10 @@ private Q_SLOTS:
             QFAIL("Run through tests/TessaloomAPI/run-with-secret-service.sh (present or absent).");
         m_hasSecretService = setting == "present";
         QVERIFY(EnglishTexts::install());
+        // gnome-keyring may take the secret service's bus name a moment after the run
+        // started it; until then every call fails, so the first test waits for it here.
+        if (hasSecretService())
+            QTRY_VERIFY_WITH_TIMEOUT(secretServiceAnswers(), 10000);
     }
 
     void init()
@@ -114,7 +125,8 @@ private Q_SLOTS:
             return;
         for (const QString &account : usedAccounts) {
             const QKeychain::Error error = deleteDirectly(account);
-            QVERIFY(error == QKeychain::NoError || error == QKeychain::EntryNotFound);
+            QVERIFY2(error == QKeychain::NoError || error == QKeychain::EntryNotFound,
+                     qPrintable(u"QtKeychain error %1 clearing %2"_s.arg(int(error)).arg(account)));
         }
     }
 
