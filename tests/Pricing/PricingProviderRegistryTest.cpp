@@ -7,8 +7,8 @@
 // built by the same factories and with the same credential functions as the real ones.
 #include "BrickEconomyAdapter.h"
 #include "EnglishTexts.h"
-#include "KeychainService.h"
-#include "PricingProviderRegistry.h"
+#include "Services/KeychainService.h"
+#include "Services/PricingProviderRegistry.h"
 #include "TaskOutcome.h"
 
 #include <QHash>

@@ -8,8 +8,8 @@
 // Keychain.cmake.
 #include "BrickEconomyAdapter.h"
 #include "EnglishTexts.h"
-#include "KeychainService.h"
-#include "PricingProviderRegistry.h"
+#include "Services/KeychainService.h"
+#include "Services/PricingProviderRegistry.h"
 #include "TaskOutcome.h"
 #include "TestEnvironment.h"
 
@@ -110,7 +110,7 @@ private Q_SLOTS:
         TestEnvironment::isolate();
         const QByteArray setting = qgetenv("TESSALOOM_TEST_SECRET_SERVICE");
         if (setting != "present" && setting != "absent")
-            QFAIL("Run through tests/TessaloomAPI/run-with-secret-service.sh (present or absent).");
+            QFAIL("Run through tests/Pricing/run-with-secret-service.sh (present or absent).");
         m_hasSecretService = setting == "present";
         QVERIFY(EnglishTexts::install());
         // gnome-keyring may take the secret service's bus name a moment after the run

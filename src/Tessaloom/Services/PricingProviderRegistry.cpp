@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "PricingProviderRegistry.h"
+#include "Services/PricingProviderRegistry.h"
 
 #include "BrickEconomyAdapter.h"
 

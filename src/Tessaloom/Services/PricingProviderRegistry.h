@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "KeychainService.h"
+#include "Services/KeychainService.h"
 #include "PricingProvider.h"
 #include "PricingProviderInfo.h"
 
