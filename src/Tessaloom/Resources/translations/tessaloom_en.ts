@@ -590,18 +590,6 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Completion</source>
         <translation type="unfinished"></translation>
     </message>
-    <message id="sync.error.setNotFound">
-        <source>Set %1 not found</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="sync.error.syncFailed">
-        <source>Sync failed at %1: %2</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="sync.error.catalogUnavailable">
-        <source>Rebrickable catalog database not available</source>
-        <translation type="unfinished"></translation>
-    </message>
     <message id="pricing.brickeconomy.tokenNotConfigured">
         <source>BrickEconomy API token not configured.</source>
         <translation type="unfinished"></translation>
@@ -616,6 +604,18 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="keychain.error.deleteFailed.">
         <source>Failed to delete from Keychain (status: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sync.error.setNotFound">
+        <source>Set %1 not found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sync.error.syncFailed">
+        <source>Sync failed at %1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sync.error.catalogUnavailable">
+        <source>Rebrickable catalog database not available</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -7,7 +7,7 @@
 // run-with-secret-service.sh sets the run up; see Keychain.cmake.
 
 #include "EnglishTexts.h"
-#include "KeychainService.h"
+#include "Services/KeychainService.h"
 
 #include "LogCapture.h"
 #include "TestEnvironment.h"
@@ -183,7 +183,7 @@ private Q_SLOTS:
         TestEnvironment::isolate();
         const QByteArray setting = qgetenv("TESSALOOM_TEST_SECRET_SERVICE");
         if (setting != "present" && setting != "absent")
-            QFAIL("Run through tests/TessaloomAPI/run-with-secret-service.sh (present or absent).");
+            QFAIL("Run through tests/Pricing/run-with-secret-service.sh (present or absent).");
         m_hasSecretService = setting == "present";
         m_secretServiceHome = qEnvironmentVariable("TESSALOOM_TEST_SECRET_SERVICE_HOME");
         QVERIFY(!m_secretServiceHome.isEmpty());

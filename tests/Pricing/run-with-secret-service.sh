@@ -40,9 +40,18 @@ present)
     done
     # --unlock with a password on stdin creates the login keyring and unlocks it, so
     # writes and reads need no prompt.
-    dbus-run-session --config-file="$here/secret-service-bus.conf" -- sh -c \
-        'echo -n test | gnome-keyring-daemon --unlock --components=secrets >/dev/null && exec "$@"' \
-        sh "$run_qt_test" "$@"
+    # The daemon takes the secret service's bus name a moment after it returns; the test
+    # starts only once the name has an owner (at most 10 s), or the first calls would fail.
+    dbus-run-session --config-file="$here/secret-service-bus.conf" -- sh -c '
+        echo -n test | gnome-keyring-daemon --unlock --components=secrets >/dev/null || exit 1
+        tries=0
+        while [ $tries -lt 100 ] && ! dbus-send --session --print-reply --dest=org.freedesktop.DBus \
+                /org/freedesktop/DBus org.freedesktop.DBus.NameHasOwner string:org.freedesktop.secrets \
+                2>/dev/null | grep -q "boolean true"; do
+            sleep 0.1
+            tries=$((tries + 1))
+        done
+        exec "$@"' sh "$run_qt_test" "$@"
     ;;
 absent)
     DBUS_SESSION_BUS_ADDRESS=unix:path=$home/no-session-bus "$run_qt_test" "$@"

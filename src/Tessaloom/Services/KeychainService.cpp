@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "KeychainService.h"
+#include "Services/KeychainService.h"
 
 #include "Logging.h"
 
