@@ -486,5 +486,82 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>The catalog in use holds no sets or cannot be read.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="detail.parts.spareParts">
+        <source>Spare Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.parts">
+        <source>Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.loading">
+        <source>Loading parts…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group">
+        <source>Group</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort">
+        <source>Sort</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.filterPrompt">
+        <source>Filter parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noDataShort">
+        <source>No parts data for this set.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.uniqueCount." numerus="yes">
+        <source>%Ln unique part(s)</source>
+        <translation>
+            <numerusform>%Ln unique part</numerusform>
+            <numerusform>%Ln unique parts</numerusform>
+        </translation>
+    </message>
+    <message id="detail.parts.totalPieces." numerus="yes">
+        <source>%Ln piece(s)</source>
+        <translation>
+            <numerusform>%Ln piece</numerusform>
+            <numerusform>%Ln pieces</numerusform>
+        </translation>
+    </message>
+    <message id="detail.parts.sparesCount." numerus="yes">
+        <source>%Ln spare(s)</source>
+        <translation>
+            <numerusform>%Ln spare</numerusform>
+            <numerusform>%Ln spares</numerusform>
+        </translation>
+    </message>
+    <message id="parts.quantity.">
+        <source>×%L1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.none">
+        <source>None</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.color">
+        <source>Color</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.category">
+        <source>Category</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.name">
+        <source>Name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.quantity">
+        <source>Quantity</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.partNumber">
+        <source>Part Number</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
