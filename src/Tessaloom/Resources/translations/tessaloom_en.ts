@@ -563,5 +563,9 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Part Number</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="setList.openPartsChecklist">
+        <source>Open Parts Checklist</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
