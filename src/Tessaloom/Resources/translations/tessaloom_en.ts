@@ -567,5 +567,41 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Open Parts Checklist</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="detail.parts.completionParts.">
+        <source>%1 of %2 parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.completionPieces.">
+        <source>%1 of %2 pieces</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.completionPercent.">
+        <source>%1% complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.percent.">
+        <source>%1%</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.parts.completion.">
+        <source>%1 percent complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.all">
+        <source>All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.incomplete">
+        <source>Missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.complete">
+        <source>Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.completion">
+        <source>Completion</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
