@@ -98,6 +98,10 @@ private Q_SLOTS:
     void initTestCase()
     {
         TestEnvironment::isolate();
+        // One picture cache for the whole run: loads it started for one test may still
+        // be on their way when the next begins, and must find it alive.
+        m_caches = std::make_unique<QTemporaryDir>();
+        m_pictures = std::make_unique<ImageCacheService>(m_caches->path());
         QVERIFY(TranslationLoader::install(*qApp, QLocale(QLocale::English, QLocale::UnitedStates)));
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
         CatalogFixture fixture;
@@ -125,8 +129,6 @@ private Q_SLOTS:
         // Pictures of rows that get painted go to a port where nothing listens, unless a
         // test serves them.
         qputenv(Endpoints::overrideVariable, "rebrickable=http://127.0.0.1:9");
-        m_caches = std::make_unique<QTemporaryDir>();
-        m_pictures = std::make_unique<ImageCacheService>(m_caches->path());
         m_tab = std::make_unique<PartsTab>();
         m_tab->setImageCache(m_pictures.get());
     }
@@ -135,8 +137,6 @@ private Q_SLOTS:
     {
         m_tab.reset();
         QThreadPool::globalInstance()->waitForDone();
-        m_pictures.reset();
-        m_caches.reset();
         qunsetenv(Endpoints::overrideVariable);
     }
 

@@ -603,5 +603,104 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Completion</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="accessibility.parts.decrement">
+        <source>Remove one</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.parts.increment">
+        <source>Add one</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.parts.complete">
+        <source>Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.ownedOfRequired.">
+        <source>%1 / %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.partsChecklist">
+        <source>Parts Checklist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.searchPrompt">
+        <source>Search parts, numbers, colors</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status">
+        <source>Status</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.actions">
+        <source>Actions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.markAllComplete">
+        <source>Mark All Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.resetAll">
+        <source>Reset All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.exportMissing">
+        <source>Export Missing Parts…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.copyMissing">
+        <source>Copy Missing Parts List</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.colors">
+        <source>Colors</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.clearColorFilter">
+        <source>Clear</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.category">
+        <source>Category</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.clearCategoryFilter">
+        <source>Clear</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noData">
+        <source>No Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noDataDescription">
+        <source>The catalog lists no parts for this set.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noMatch">
+        <source>No Matching Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noMatchDescription">
+        <source>No part passes the search and filters.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.clearFilters">
+        <source>Clear Filters</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.partsCount." numerus="yes">
+        <source>%Ln part(s)</source>
+        <translation>
+            <numerusform>%Ln part</numerusform>
+            <numerusform>%Ln parts</numerusform>
+        </translation>
+    </message>
+    <message id="detail.parts.exportMissingTitle">
+        <source>Export Missing Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.exportFailed.">
+        <source>The file could not be written: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

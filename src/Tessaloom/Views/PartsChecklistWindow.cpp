@@ -1,0 +1,491 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Views/PartsChecklistWindow.h"
+
+#include "ViewModels/MissingPartsList.h"
+#include "ViewModels/PartsChecklistViewModel.h"
+#include "Views/CategoryFilterChip.h"
+#include "Views/ChecklistRowView.h"
+#include "Views/ColorFilterChip.h"
+#include "Views/ColorSwatch.h"
+#include "Views/CompletionRing.h"
+#include "Views/EmptyStateView.h"
+#include "Views/SymbolIcon.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QStackedWidget>
+#include <QStandardPaths>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int ringSize = 72;
+
+using ViewModel = PartsChecklistViewModel;
+
+// A row of chips that scrolls sideways when there are more than fit.
+QScrollArea *chipStrip(QWidget *box, QWidget *parent)
+{
+    auto *strip = new QScrollArea(parent);
+    strip->setWidget(box);
+    strip->setWidgetResizable(true);
+    strip->setFrameShape(QFrame::NoFrame);
+    strip->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    strip->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    strip->setFixedHeight(box->sizeHint().height() + 16);
+    return strip;
+}
+
+void clearLayout(QLayout *layout)
+{
+    while (QLayoutItem *item = layout->takeAt(0)) {
+        if (QWidget *widget = item->widget())
+            delete widget;
+        else if (QLayout *inner = item->layout())
+            clearLayout(inner);
+        delete item;
+    }
+}
+
+template <typename Mode>
+void fillPicker(QComboBox *picker, const QList<Mode> &modes)
+{
+    for (const Mode mode : modes)
+        picker->addItem(ViewModel::label(mode), QVariant::fromValue(int(mode)));
+}
+
+template <typename Mode>
+void selectIn(QComboBox *picker, Mode mode)
+{
+    const int index = picker->findData(int(mode));
+    if (picker->currentIndex() != index)
+        picker->setCurrentIndex(index);
+}
+
+} // namespace
+
+PartsChecklistWindow::PartsChecklistWindow(std::unique_ptr<PartsChecklistViewModel> viewModel, QWidget *parent)
+    : QWidget(parent, Qt::Window)
+    , m_viewModel(std::move(viewModel))
+{
+    //% "Parts Checklist"
+    setWindowTitle(qtTrId("menu.partsChecklist"));
+    resize(defaultSize);
+    if (m_viewModel)
+        build();
+}
+
+PartsChecklistWindow::~PartsChecklistWindow() = default;
+
+void PartsChecklistWindow::setImageCache(ImageCacheService *cache)
+{
+    m_imageCache = cache;
+    for (ChecklistRowView *row : std::as_const(m_rows))
+        row->setImageCache(cache);
+}
+
+void PartsChecklistWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // The rows are read when the window first appears, not when it is made.
+    if (m_viewModel && !m_hasAppeared) {
+        m_hasAppeared = true;
+        m_viewModel->loadItems();
+    }
+}
+
+void PartsChecklistWindow::build()
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(buildSummary());
+    layout->addWidget(buildControls());
+    layout->addWidget(buildFilterRows());
+    m_countLabel = new QLabel(this);
+    m_countLabel->setObjectName(u"checklistCount"_s);
+    layout->addWidget(m_countLabel);
+    layout->addWidget(buildBody(), 1);
+
+    ViewModel &model = *m_viewModel;
+    connect(&model, &ViewModel::isLoadingChanged, this, [this] { refreshList(); });
+    connect(&model, &ViewModel::itemsChanged, this, [this] {
+        refreshSummary();
+        refreshFacets();
+        refreshList();
+    });
+    connect(&model, &ViewModel::revisionChanged, this, [this] {
+        refreshSummary();
+        // With every row shown in a fixed order, a count changes only its own rows; under
+        // a status filter or the completion order a row may leave or move.
+        if (m_viewModel->filterMode() == ViewModel::FilterMode::all
+            && m_viewModel->sortBy() != ViewModel::SortMode::completion) {
+            for (ChecklistRowView *row : std::as_const(m_rows))
+                row->setOwned(m_viewModel->ownedCount(row->item()), m_viewModel->isComplete(row->item()));
+        } else {
+            refreshList();
+        }
+    });
+    connect(&model, &ViewModel::searchTextChanged, this, [this] {
+        if (m_searchField->text() != m_viewModel->searchText())
+            m_searchField->setText(m_viewModel->searchText());
+        refreshList();
+    });
+    const auto pickersChanged = [this] {
+        refreshPickers();
+        refreshList();
+    };
+    connect(&model, &ViewModel::sortByChanged, this, pickersChanged);
+    connect(&model, &ViewModel::groupByChanged, this, pickersChanged);
+    connect(&model, &ViewModel::filterModeChanged, this, pickersChanged);
+    connect(&model, &ViewModel::selectedColorsChanged, this, [this] {
+        refreshFacets();
+        refreshList();
+    });
+    connect(&model, &ViewModel::selectedCategoriesChanged, this, [this] {
+        refreshFacets();
+        refreshList();
+    });
+
+    refreshSummary();
+    refreshPickers();
+    refreshFacets();
+    refreshList();
+}
+
+QWidget *PartsChecklistWindow::buildSummary()
+{
+    auto *summary = new QWidget(this);
+    auto *layout = new QHBoxLayout(summary);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_ring = new CompletionRing(0, ringSize, summary);
+    m_ring->setObjectName(u"checklistCompletionRing"_s);
+    layout->addWidget(m_ring);
+    auto *figures = new QVBoxLayout;
+    m_partsFigure = new QLabel(summary);
+    m_piecesFigure = new QLabel(summary);
+    m_percentFigure = new QLabel(summary);
+    QFont percentFont = m_percentFigure->font();
+    percentFont.setBold(true);
+    m_percentFigure->setFont(percentFont);
+    for (QLabel *figure : {m_percentFigure, m_partsFigure, m_piecesFigure})
+        figures->addWidget(figure);
+    layout->addLayout(figures, 1);
+    return summary;
+}
+
+QWidget *PartsChecklistWindow::buildControls()
+{
+    auto *controls = new QWidget(this);
+    auto *layout = new QHBoxLayout(controls);
+    layout->setContentsMargins(0, 0, 0, 0);
+
+    m_searchField = new QLineEdit(controls);
+    m_searchField->setObjectName(u"checklistSearchField"_s);
+    m_searchField->setClearButtonEnabled(true);
+    m_searchField->addAction(SymbolIcon::icon(u"magnifyingglass"_s), QLineEdit::LeadingPosition);
+    //% "Search parts, numbers, colors"
+    m_searchField->setPlaceholderText(qtTrId("detail.parts.searchPrompt"));
+    layout->addWidget(m_searchField, 1);
+    connect(m_searchField, &QLineEdit::textChanged, this, [this](const QString &text) { m_viewModel->setSearchText(text); });
+
+    const auto addPicker = [&](QComboBox *&picker, const QString &title, const QString &name) {
+        picker = new QComboBox(controls);
+        picker->setObjectName(name);
+        picker->setAccessibleName(title);
+        picker->setToolTip(title);
+        auto *label = new QLabel(title, controls);
+        label->setBuddy(picker);
+        layout->addWidget(label);
+        layout->addWidget(picker);
+    };
+    //% "Status"
+    addPicker(m_statusPicker, qtTrId("detail.parts.status"), u"checklistStatusPicker"_s);
+    fillPicker(m_statusPicker, ViewModel::allFilterModes());
+    //% "Group"
+    addPicker(m_groupPicker, qtTrId("detail.parts.group"), u"checklistGroupPicker"_s);
+    fillPicker(m_groupPicker, ViewModel::allGroupModes());
+    //% "Sort"
+    addPicker(m_sortPicker, qtTrId("detail.parts.sort"), u"checklistSortPicker"_s);
+    fillPicker(m_sortPicker, ViewModel::allSortModes());
+    connect(m_statusPicker, &QComboBox::currentIndexChanged, this,
+            [this] { m_viewModel->setFilterMode(ViewModel::FilterMode(m_statusPicker->currentData().toInt())); });
+    connect(m_groupPicker, &QComboBox::currentIndexChanged, this,
+            [this] { m_viewModel->setGroupBy(ViewModel::GroupMode(m_groupPicker->currentData().toInt())); });
+    connect(m_sortPicker, &QComboBox::currentIndexChanged, this,
+            [this] { m_viewModel->setSortBy(ViewModel::SortMode(m_sortPicker->currentData().toInt())); });
+
+    m_actionsButton = new QToolButton(controls);
+    m_actionsButton->setObjectName(u"checklistActionsButton"_s);
+    m_actionsButton->setIcon(SymbolIcon::icon(u"ellipsis.circle"_s));
+    //% "Actions"
+    const QString actionsTitle = qtTrId("detail.parts.actions");
+    m_actionsButton->setText(actionsTitle);
+    m_actionsButton->setAccessibleName(actionsTitle);
+    m_actionsButton->setToolTip(actionsTitle);
+    m_actionsButton->setPopupMode(QToolButton::InstantPopup);
+    m_actionsMenu = new QMenu(m_actionsButton);
+    //% "Mark All Complete"
+    m_markAllCompleteAction = m_actionsMenu->addAction(qtTrId("detail.parts.markAllComplete"), this,
+                                                       [this] { m_viewModel->markAllComplete(); });
+    //% "Reset All"
+    m_resetAllAction = m_actionsMenu->addAction(qtTrId("detail.parts.resetAll"), this, [this] { m_viewModel->resetAll(); });
+    m_actionsMenu->addSeparator();
+    //% "Export Missing Parts…"
+    m_exportMissingAction = m_actionsMenu->addAction(qtTrId("detail.parts.exportMissing"), this,
+                                                     &PartsChecklistWindow::exportMissingPartsInteractively);
+    //% "Copy Missing Parts List"
+    m_copyMissingAction = m_actionsMenu->addAction(qtTrId("detail.parts.copyMissing"), this,
+                                                   &PartsChecklistWindow::copyMissingPartsToClipboard);
+    m_actionsButton->setMenu(m_actionsMenu);
+    layout->addWidget(m_actionsButton);
+    return controls;
+}
+
+QWidget *PartsChecklistWindow::buildFilterRows()
+{
+    auto *rows = new QWidget(this);
+    auto *layout = new QGridLayout(rows);
+    layout->setContentsMargins(0, 0, 0, 0);
+
+    //% "Colors"
+    layout->addWidget(new QLabel(qtTrId("detail.parts.colors"), rows), 0, 0);
+    m_colorChipBox = new QWidget(rows);
+    auto *colorLayout = new QHBoxLayout(m_colorChipBox);
+    colorLayout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(chipStrip(m_colorChipBox, rows), 0, 1);
+    //% "Clear"
+    m_clearColorFilterButton = new QPushButton(qtTrId("detail.parts.clearColorFilter"), rows);
+    m_clearColorFilterButton->setObjectName(u"checklistClearColorFilter"_s);
+    layout->addWidget(m_clearColorFilterButton, 0, 2);
+    connect(m_clearColorFilterButton, &QPushButton::clicked, this, [this] {
+        const QList<int> selected(m_viewModel->selectedColors().cbegin(), m_viewModel->selectedColors().cend());
+        for (const int colorID : selected)
+            m_viewModel->toggleColor(colorID);
+    });
+
+    //% "Category"
+    layout->addWidget(new QLabel(qtTrId("detail.parts.category"), rows), 1, 0);
+    m_categoryChipBox = new QWidget(rows);
+    auto *categoryLayout = new QHBoxLayout(m_categoryChipBox);
+    categoryLayout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(chipStrip(m_categoryChipBox, rows), 1, 1);
+    //% "Clear"
+    m_clearCategoryFilterButton = new QPushButton(qtTrId("detail.parts.clearCategoryFilter"), rows);
+    m_clearCategoryFilterButton->setObjectName(u"checklistClearCategoryFilter"_s);
+    layout->addWidget(m_clearCategoryFilterButton, 1, 2);
+    connect(m_clearCategoryFilterButton, &QPushButton::clicked, this, [this] {
+        const QList<QString> selected(m_viewModel->selectedCategories().cbegin(), m_viewModel->selectedCategories().cend());
+        for (const QString &name : selected)
+            m_viewModel->toggleCategory(name);
+    });
+    layout->setColumnStretch(1, 1);
+    return rows;
+}
+
+QWidget *PartsChecklistWindow::buildBody()
+{
+    m_body = new QStackedWidget(this);
+
+    m_listPage = new QScrollArea(m_body);
+    m_listPage->setObjectName(u"checklistList"_s);
+    m_listPage->setWidgetResizable(true);
+    m_listContent = new QWidget(m_listPage);
+    auto *contentLayout = new QVBoxLayout(m_listContent);
+    contentLayout->setContentsMargins(0, 0, 0, 0);
+    contentLayout->setSpacing(0);
+    m_loadingIndicator = new QProgressBar(m_listContent);
+    m_loadingIndicator->setRange(0, 0);
+    m_loadingIndicator->setTextVisible(false);
+    m_loadingIndicator->setMaximumWidth(120);
+    //% "Loading parts…"
+    m_loadingIndicator->setAccessibleName(qtTrId("detail.parts.loading"));
+    contentLayout->addWidget(m_loadingIndicator, 0, Qt::AlignHCenter);
+    m_listLayout = new QVBoxLayout;
+    m_listLayout->setSpacing(0);
+    contentLayout->addLayout(m_listLayout);
+    contentLayout->addStretch(1);
+    m_listPage->setWidget(m_listContent);
+    m_body->addWidget(m_listPage);
+
+    //% "No Parts"
+    const QString noDataTitle = qtTrId("detail.parts.noData");
+    //% "The catalog lists no parts for this set."
+    const QString noDataDescription = qtTrId("detail.parts.noDataDescription");
+    m_noDataState = new EmptyStateView(u"square.grid.3x3"_s, noDataTitle, noDataDescription, m_body);
+    m_noDataState->setObjectName(u"checklistNoData"_s);
+    m_body->addWidget(m_noDataState);
+
+    m_noMatchPage = new QWidget(m_body);
+    auto *noMatchLayout = new QVBoxLayout(m_noMatchPage);
+    //% "No Matching Parts"
+    const QString noMatchTitle = qtTrId("detail.parts.noMatch");
+    //% "No part passes the search and filters."
+    const QString noMatchDescription = qtTrId("detail.parts.noMatchDescription");
+    m_noMatchState = new EmptyStateView(u"line.3.horizontal.decrease.circle"_s, noMatchTitle, noMatchDescription,
+                                        m_noMatchPage);
+    m_noMatchState->setObjectName(u"checklistNoMatch"_s);
+    noMatchLayout->addWidget(m_noMatchState, 1);
+    //% "Clear Filters"
+    m_clearFiltersButton = new QPushButton(qtTrId("detail.parts.clearFilters"), m_noMatchPage);
+    m_clearFiltersButton->setObjectName(u"checklistClearFilters"_s);
+    noMatchLayout->addWidget(m_clearFiltersButton, 0, Qt::AlignHCenter);
+    noMatchLayout->addStretch(1);
+    connect(m_clearFiltersButton, &QPushButton::clicked, this, &PartsChecklistWindow::clearEverything);
+    m_body->addWidget(m_noMatchPage);
+    return m_body;
+}
+
+void PartsChecklistWindow::refreshSummary()
+{
+    const ChecklistCompletion completion = m_viewModel->completion();
+    m_ring->setFraction(completion.fraction());
+    m_ring->setCentreText(completion.ringText());
+    m_ring->setAccessibleName(completion.accessibilityText());
+    m_partsFigure->setText(completion.partsText());
+    m_piecesFigure->setText(completion.piecesText());
+    m_percentFigure->setText(completion.percentText());
+}
+
+void PartsChecklistWindow::refreshPickers()
+{
+    selectIn(m_statusPicker, m_viewModel->filterMode());
+    selectIn(m_groupPicker, m_viewModel->groupBy());
+    selectIn(m_sortPicker, m_viewModel->sortBy());
+}
+
+void PartsChecklistWindow::refreshFacets()
+{
+    clearLayout(m_colorChipBox->layout());
+    m_colorChips.clear();
+    for (const ViewModel::ColorInfo &color : m_viewModel->availableColors()) {
+        const int colorID = color.colorID;
+        auto *chip = new ColorFilterChip(color.hexCode, m_viewModel->selectedColors().contains(colorID),
+                                         [this, colorID] { m_viewModel->toggleColor(colorID); }, m_colorChipBox);
+        chip->setColorName(color.name);
+        m_colorChipBox->layout()->addWidget(chip);
+        m_colorChips.append(chip);
+    }
+    static_cast<QHBoxLayout *>(m_colorChipBox->layout())->addStretch(1);
+
+    clearLayout(m_categoryChipBox->layout());
+    m_categoryChips.clear();
+    for (const QString &category : m_viewModel->availableCategories()) {
+        auto *chip = new CategoryFilterChip(category, m_viewModel->selectedCategories().contains(category),
+                                            [this, category] { m_viewModel->toggleCategory(category); },
+                                            m_categoryChipBox);
+        m_categoryChipBox->layout()->addWidget(chip);
+        m_categoryChips.append(chip);
+    }
+    static_cast<QHBoxLayout *>(m_categoryChipBox->layout())->addStretch(1);
+
+    m_clearColorFilterButton->setVisible(!m_viewModel->selectedColors().isEmpty());
+    m_clearCategoryFilterButton->setVisible(!m_viewModel->selectedCategories().isEmpty());
+}
+
+void PartsChecklistWindow::refreshList()
+{
+    // The old rows leave the layout at once but are deleted later: the click that led
+    // here may still be running in one of their buttons.
+    for (ChecklistRowView *row : std::as_const(m_rows)) {
+        m_listLayout->removeWidget(row);
+        row->hide();
+        row->deleteLater();
+    }
+    m_rows.clear();
+    m_groupHeadings.clear();
+    clearLayout(m_listLayout);
+
+    const ViewModel &model = *m_viewModel;
+    const bool loading = model.isLoading();
+    m_loadingIndicator->setVisible(loading && model.items().isEmpty());
+    const QList<ChecklistGroup> groups = model.groupedItems();
+    qsizetype shown = 0;
+    for (const ChecklistGroup &group : groups) {
+        shown += group.items.size();
+        if (!group.title.isEmpty()) {
+            auto *heading = new QLabel(group.title, m_listContent);
+            QFont font = heading->font();
+            font.setBold(true);
+            heading->setFont(font);
+            auto *line = new QHBoxLayout;
+            line->setContentsMargins(6, 10, 6, 4);
+            if (group.colorID)
+                line->addWidget(new ColorSwatch(group.colorHex, 12, m_listContent));
+            line->addWidget(heading, 1);
+            m_listLayout->addLayout(line);
+            m_groupHeadings.append(heading);
+        }
+        for (const ChecklistItem &item : group.items) {
+            auto *row = new ChecklistRowView(item, model.ownedCount(item), model.isComplete(item), m_listContent);
+            if (m_imageCache)
+                row->setImageCache(m_imageCache);
+            connect(row, &ChecklistRowView::incrementRequested, this,
+                    [this](const ChecklistItem &chosen) { m_viewModel->increment(chosen); });
+            connect(row, &ChecklistRowView::decrementRequested, this,
+                    [this](const ChecklistItem &chosen) { m_viewModel->decrement(chosen); });
+            m_listLayout->addWidget(row);
+            m_rows.append(row);
+        }
+    }
+
+    //% "%Ln part(s)"
+    m_countLabel->setText(qtTrId("detail.parts.partsCount.", int(shown)));
+    if (!loading && model.items().isEmpty())
+        m_body->setCurrentWidget(m_noDataState);
+    else if (!model.items().isEmpty() && shown == 0)
+        m_body->setCurrentWidget(m_noMatchPage);
+    else
+        m_body->setCurrentWidget(m_listPage);
+}
+
+void PartsChecklistWindow::clearEverything()
+{
+    // What hides every row may be the facets, the search or the status: all three go.
+    m_viewModel->clearFilters();
+    m_viewModel->setSearchText(QString());
+    m_viewModel->setFilterMode(ViewModel::FilterMode::all);
+}
+
+bool PartsChecklistWindow::exportMissingParts(const QString &path, QString *errorText) const
+{
+    if (!m_viewModel)
+        return false;
+    return MissingPartsList::writeCsv(
+        path, MissingPartsList::fromChecklist(m_viewModel->items(), m_viewModel->entriesByKey()), errorText);
+}
+
+void PartsChecklistWindow::copyMissingPartsToClipboard() const
+{
+    if (!m_viewModel)
+        return;
+    const QByteArray text =
+        MissingPartsList::csv(MissingPartsList::fromChecklist(m_viewModel->items(), m_viewModel->entriesByKey()));
+    QGuiApplication::clipboard()->setText(QString::fromUtf8(text));
+}
+
+void PartsChecklistWindow::exportMissingPartsInteractively()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    //% "Export Missing Parts"
+    const QString path = QFileDialog::getSaveFileName(this, qtTrId("detail.parts.exportMissingTitle"),
+                                                      folder + u"/missing-parts.csv"_s, u"CSV (*.csv)"_s);
+    if (path.isEmpty())
+        return;
+    QString errorText;
+    if (!exportMissingParts(path, &errorText)) {
+        //% "The file could not be written: %1"
+        QMessageBox::warning(this, windowTitle(), qtTrId("detail.parts.exportFailed.").arg(errorText));
+    }
+}
