@@ -27,6 +27,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -78,6 +79,7 @@ private:
     BrickSet m_station;
     BrickSet m_emptyBox;
     BrickSet m_wall;
+    BrickSet m_longSet;
 
     ManagedObjectContext &context() { return m_store->container().viewContext(); }
     PartsChecklistWindow &window() { return *m_window; }
@@ -116,12 +118,21 @@ private Q_SLOTS:
         CatalogFixture fixture;
         fixture.addRows(u"themes"_s, "1,Town,\n");
         fixture.addRows(u"sets"_s, "1000-1,Fire Station,2020,1,7,\n2000-1,Empty Box,2021,1,0,\n"
-                                   "5000-1,Big Wall,2022,1,2000,\n");
-        fixture.addRows(u"inventories"_s, "1,1,1000-1\n2,1,2000-1\n3,1,5000-1\n");
+                                   "5000-1,Big Wall,2022,1,2000,\n6000-1,Long Set,2023,1,200,\n");
+        fixture.addRows(u"inventories"_s, "1,1,1000-1\n2,1,2000-1\n3,1,5000-1\n4,1,6000-1\n");
         fixture.addRows(u"colors"_s, "0,Black,05131D,False\n1,Blue,0055BF,False\n4,Red,C91A09,False\n");
         fixture.addRows(u"part_categories"_s, "11,Bricks\n14,Plates\n");
         fixture.addRows(u"parts"_s, "3001,Brick 2 x 4,11,Plastic\n3023,Plate 1 x 2,14,Plastic\n"
                                     "3024,Plate 1 x 1,14,Plastic\n");
+        QByteArray longParts;
+        QByteArray longLines;
+        for (int line = 0; line < 200; ++line) {
+            const QByteArray number = "9" + QByteArray::number(1000 + line);
+            longParts += number + ",Long Part " + QByteArray::number(1000 + line) + ",11,Plastic\n";
+            longLines += "4," + number + ",0,1,False,\n";
+        }
+        fixture.addRows(u"parts"_s, longParts);
+        fixture.addRows(u"inventory_parts"_s, longLines);
         fixture.addRows(u"inventory_parts"_s,
                         "1,3001,4,3,False,\n"
                         "1,3023,1,2,False,\n"
@@ -146,6 +157,9 @@ private Q_SLOTS:
         m_station = saveCopy(context(), station.objectID);
         m_emptyBox = saveCopy(context(), emptyBox.objectID);
         m_wall = saveCopy(context(), wall.objectID);
+        const CatalogSet longSet = context().insert(catalogSet(u"6000-1"_s, u"Long Set"_s));
+        context().save();
+        m_longSet = saveCopy(context(), longSet.objectID);
     }
 
     void cleanup()
@@ -173,10 +187,23 @@ private Q_SLOTS:
         QCOMPARE(brick->nameLabel()->text(), u"Brick 2 x 4"_s);
         QCOMPARE(brick->detailLabel()->text(), u"3001 · Red · Bricks"_s);
         QCOMPARE(brick->countLabel()->text(), u"0 / 3"_s);
-        QCOMPARE(brick->picture()->urlString(), u"http://127.0.0.1:9/media/parts/ldraw/4/3001.png"_s);
+        QCOMPARE(brick->pictureURL(), u"http://127.0.0.1:9/media/parts/ldraw/4/3001.png"_s);
+        // A row in view asks for its picture.
+        QTRY_COMPARE(brick->picture()->urlString(), brick->pictureURL());
         QCOMPARE(brick->decrementButton()->accessibleName(), u"Remove one"_s);
         QCOMPARE(brick->incrementButton()->accessibleName(), u"Add one"_s);
         QCOMPARE(window().countLabel()->text(), u"3 parts"_s);
+    }
+
+    void onlyRowsNearTheViewAskForTheirPictures()
+    {
+        // A set of 200 lines: the rows far below the view wait with their pictures.
+        open(m_longSet);
+        QCOMPARE(window().rows().size(), 200);
+        QTRY_VERIFY(window().rows().first()->isPictureRequested());
+        QVERIFY(!window().rows().last()->isPictureRequested());
+        window().listPage()->verticalScrollBar()->setValue(window().listPage()->verticalScrollBar()->maximum());
+        QTRY_VERIFY(window().rows().last()->isPictureRequested());
     }
 
     void tickingUpToTheRequiredQuantityCompletesTheRow()
@@ -308,6 +335,13 @@ private Q_SLOTS:
         QCOMPARE(model().searchText(), u"BLUE"_s);
         QCOMPARE(rowIDs(window()), (QStringList{u"3023-1"_s}));
         QCOMPARE(window().countLabel()->text(), u"1 part"_s);
+        // The rows that no longer match are kept out of sight.
+        const QList<ChecklistRowView *> all = window().findChildren<ChecklistRowView *>();
+        const auto visibleRows = [&all] {
+            return std::count_if(all.cbegin(), all.cend(), [](const ChecklistRowView *each) { return each->isVisible(); });
+        };
+        QTRY_COMPARE(visibleRows(), 1);
+        QVERIFY(window().rows().first()->isVisible());
     }
 
     void groupHeadingsFollowTheGroupPicker()
@@ -378,6 +412,8 @@ private Q_SLOTS:
         QCOMPARE(window().body()->currentWidget(), window().listPage());
         QVERIFY(window().searchField()->text().isEmpty());
         QCOMPARE(window().rows().size(), 3);
+        for (const ChecklistRowView *each : window().rows())
+            QTRY_VERIFY(each->isVisible());
     }
 
     void missingPartsExportAsARebrickablePartList()

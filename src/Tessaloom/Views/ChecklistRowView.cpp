@@ -23,6 +23,7 @@ constexpr int markSide = 20;
 ChecklistRowView::ChecklistRowView(const ChecklistItem &item, int owned, bool isComplete, QWidget *parent)
     : QWidget(parent)
     , m_item(item)
+    , m_pictureURL(PartImageURL::forPart(item.imgURL, item.colorID, item.partNum))
     , m_owned(owned)
     , m_isComplete(isComplete)
     , m_completionMark(new QLabel(this))
@@ -41,7 +42,6 @@ ChecklistRowView::ChecklistRowView(const ChecklistItem &item, int owned, bool is
     layout->addWidget(m_completionMark);
 
     m_picture->setFixedSize(pictureSide, pictureSide);
-    m_picture->setUrlString(PartImageURL::forPart(item.imgURL, item.colorID, item.partNum));
     layout->addWidget(m_picture);
 
     auto *facts = new QVBoxLayout;
@@ -97,6 +97,22 @@ void ChecklistRowView::setOwned(int owned, bool isComplete)
 void ChecklistRowView::setImageCache(ImageCacheService *cache)
 {
     m_picture->setImageCache(cache);
+}
+
+void ChecklistRowView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    Q_EMIT shown();
+}
+
+bool ChecklistRowView::isPictureRequested() const
+{
+    return !m_picture->urlString().isEmpty();
+}
+
+void ChecklistRowView::requestPicture()
+{
+    m_picture->setUrlString(m_pictureURL);
 }
 
 void ChecklistRowView::refresh()

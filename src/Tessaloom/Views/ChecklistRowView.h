@@ -27,6 +27,11 @@ public:
     bool isComplete() const { return m_isComplete; }
     void setOwned(int owned, bool isComplete);
     void setImageCache(ImageCacheService *cache);
+    // The part's picture address, and whether its load has been started. The owner starts
+    // it once the row comes into view, so a long list does not fetch every picture at once.
+    QString pictureURL() const { return m_pictureURL; }
+    bool isPictureRequested() const;
+    void requestPicture();
 
     QLabel *completionMark() const { return m_completionMark; }
     CachedAsyncImage *picture() const { return m_picture; }
@@ -39,11 +44,17 @@ public:
 Q_SIGNALS:
     void incrementRequested(const ChecklistItem &item);
     void decrementRequested(const ChecklistItem &item);
+    // The row has just been shown; its place in the list is known from now on.
+    void shown();
+
+protected:
+    void showEvent(QShowEvent *event) override;
 
 private:
     void refresh();
 
     ChecklistItem m_item;
+    QString m_pictureURL;
     int m_owned;
     bool m_isComplete;
     QLabel *m_completionMark;

@@ -25,6 +25,9 @@
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QStandardPaths>
+#include <QScrollBar>
+#include <QSet>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -107,6 +110,13 @@ void PartsChecklistWindow::showEvent(QShowEvent *event)
     }
 }
 
+void PartsChecklistWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (m_pictureTimer)
+        m_pictureTimer->start();
+}
+
 void PartsChecklistWindow::build()
 {
     auto *layout = new QVBoxLayout(this);
@@ -121,6 +131,8 @@ void PartsChecklistWindow::build()
     ViewModel &model = *m_viewModel;
     connect(&model, &ViewModel::isLoadingChanged, this, [this] { refreshList(); });
     connect(&model, &ViewModel::itemsChanged, this, [this] {
+        // New rows from the catalog: the rows kept for the old ones go.
+        dropKeptRows();
         refreshSummary();
         refreshFacets();
         refreshList();
@@ -318,6 +330,11 @@ QWidget *PartsChecklistWindow::buildBody()
     contentLayout->addStretch(1);
     m_listPage->setWidget(m_listContent);
     m_body->addWidget(m_listPage);
+    m_pictureTimer = new QTimer(this);
+    m_pictureTimer->setSingleShot(true);
+    m_pictureTimer->setInterval(0);
+    connect(m_pictureTimer, &QTimer::timeout, this, &PartsChecklistWindow::requestVisiblePictures);
+    connect(m_listPage->verticalScrollBar(), &QScrollBar::valueChanged, m_pictureTimer, qOverload<>(&QTimer::start));
 
     //% "No Parts"
     const QString noDataTitle = qtTrId("detail.parts.noData");
@@ -396,16 +413,14 @@ void PartsChecklistWindow::refreshFacets()
 
 void PartsChecklistWindow::refreshList()
 {
-    // The old rows leave the layout at once but are deleted later: the click that led
-    // here may still be running in one of their buttons.
-    for (ChecklistRowView *row : std::as_const(m_rows)) {
+    // Rows are kept between refreshes and only re-ordered, shown or hidden: typing in
+    // the search field over a large set would otherwise build every row anew per key.
+    for (ChecklistRowView *row : std::as_const(m_rows))
         m_listLayout->removeWidget(row);
-        row->hide();
-        row->deleteLater();
-    }
     m_rows.clear();
     m_groupHeadings.clear();
     clearLayout(m_listLayout);
+    QHash<QString, qsizetype> usedOfID;
 
     const ViewModel &model = *m_viewModel;
     const bool loading = model.isLoading();
@@ -428,17 +443,26 @@ void PartsChecklistWindow::refreshList()
             m_groupHeadings.append(heading);
         }
         for (const ChecklistItem &item : group.items) {
-            auto *row = new ChecklistRowView(item, model.ownedCount(item), model.isComplete(item), m_listContent);
-            if (m_imageCache)
-                row->setImageCache(m_imageCache);
-            connect(row, &ChecklistRowView::incrementRequested, this,
-                    [this](const ChecklistItem &chosen) { m_viewModel->increment(chosen); });
-            connect(row, &ChecklistRowView::decrementRequested, this,
-                    [this](const ChecklistItem &chosen) { m_viewModel->decrement(chosen); });
+            // Two lines of one part and colour share an id; each keeps its own row.
+            ChecklistRowView *row = keptRow(item, usedOfID[item.id]++);
+            row->setOwned(model.ownedCount(item), model.isComplete(item));
             m_listLayout->addWidget(row);
+            // A new row is shown by the layout; one hidden by an earlier refresh is shown
+            // here. Showing every row at once by hand costs seconds on a large set.
+            if (row->isHidden() && row->testAttribute(Qt::WA_WState_ExplicitShowHide))
+                row->show();
             m_rows.append(row);
         }
     }
+    const QSet<ChecklistRowView *> onShow(m_rows.cbegin(), m_rows.cend());
+    for (const QList<ChecklistRowView *> &kept : std::as_const(m_keptRows)) {
+        for (ChecklistRowView *row : kept) {
+            if (!onShow.contains(row))
+                row->hide();
+        }
+    }
+
+    m_pictureTimer->start();
 
     //% "%Ln part(s)"
     m_countLabel->setText(qtTrId("detail.parts.partsCount.", int(shown)));
@@ -448,6 +472,58 @@ void PartsChecklistWindow::refreshList()
         m_body->setCurrentWidget(m_noMatchPage);
     else
         m_body->setCurrentWidget(m_listPage);
+}
+
+ChecklistRowView *PartsChecklistWindow::keptRow(const ChecklistItem &item, qsizetype occurrence)
+{
+    QList<ChecklistRowView *> &kept = m_keptRows[item.id];
+    if (occurrence < kept.size())
+        return kept.at(occurrence);
+    const ViewModel &model = *m_viewModel;
+    auto *row = new ChecklistRowView(item, model.ownedCount(item), model.isComplete(item), m_listContent);
+    if (m_imageCache)
+        row->setImageCache(m_imageCache);
+    connect(row, &ChecklistRowView::incrementRequested, this,
+            [this](const ChecklistItem &chosen) { m_viewModel->increment(chosen); });
+    connect(row, &ChecklistRowView::decrementRequested, this,
+            [this](const ChecklistItem &chosen) { m_viewModel->decrement(chosen); });
+    // The layout shows a new row a turn of the event loop later; its picture is decided then.
+    connect(row, &ChecklistRowView::shown, m_pictureTimer, qOverload<>(&QTimer::start));
+    kept.append(row);
+    return row;
+}
+
+void PartsChecklistWindow::dropKeptRows()
+{
+    // Deleted later: the click that led to a reload may still be running in one of them.
+    for (const QList<ChecklistRowView *> &kept : std::as_const(m_keptRows)) {
+        for (ChecklistRowView *row : kept) {
+            m_listLayout->removeWidget(row);
+            row->hide();
+            row->deleteLater();
+        }
+    }
+    m_keptRows.clear();
+    m_rows.clear();
+}
+
+void PartsChecklistWindow::requestVisiblePictures()
+{
+    if (!m_listPage->isVisible())
+        return;
+    // The rows' places are only known once the list's layout, and the scroll area
+    // sizing the list after it, have run.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    // The part of the list in view, with a screen's height more below it, so that a
+    // short scroll finds its pictures already on their way.
+    const QRect viewport = m_listPage->viewport()->rect();
+    const QRect wanted(m_listContent->mapFrom(m_listPage->viewport(), viewport.topLeft()),
+                       QSize(viewport.width(), viewport.height() * 2));
+    for (ChecklistRowView *row : std::as_const(m_rows)) {
+        // A row not shown yet has no place; it asks again once shown.
+        if (!row->isPictureRequested() && row->isVisible() && row->geometry().intersects(wanted))
+            row->requestPicture();
+    }
 }
 
 void PartsChecklistWindow::clearEverything()

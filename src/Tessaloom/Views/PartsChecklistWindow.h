@@ -25,6 +25,7 @@ class QProgressBar;
 class QPushButton;
 class QScrollArea;
 class QStackedWidget;
+class QTimer;
 class QToolButton;
 class QVBoxLayout;
 
@@ -86,6 +87,7 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void build();
@@ -99,6 +101,10 @@ private:
     void refreshList();
     void refreshCounts();
     void clearEverything();
+    void requestVisiblePictures();
+    // The row kept for the `occurrence`-th item of `item.id`, made when there is none.
+    ChecklistRowView *keptRow(const ChecklistItem &item, qsizetype occurrence);
+    void dropKeptRows();
     void exportMissingPartsInteractively();
 
     std::unique_ptr<PartsChecklistViewModel> m_viewModel;
@@ -135,6 +141,9 @@ private:
     QWidget *m_noMatchPage = nullptr;
     EmptyStateView *m_noMatchState = nullptr;
     QPushButton *m_clearFiltersButton = nullptr;
-    QList<ChecklistRowView *> m_rows;
+    QList<ChecklistRowView *> m_rows; // the rows on show, in order
+    QHash<QString, QList<ChecklistRowView *>> m_keptRows; // every row made, by item id
     QList<QLabel *> m_groupHeadings;
+    // Pictures are asked for once the rows are laid out, and again as the list scrolls.
+    QTimer *m_pictureTimer = nullptr;
 };
