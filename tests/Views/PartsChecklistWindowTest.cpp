@@ -327,6 +327,28 @@ private Q_SLOTS:
         QCOMPARE(window().colorChips().size(), 2);
     }
 
+    void clearingOneFacetKeepsTheOther()
+    {
+        open(m_station);
+        window().categoryChips().at(0)->click(); // Bricks
+        window().categoryChips().at(1)->click(); // Plates
+        QCOMPARE(model().selectedCategories(), (QSet<QString>{u"Bricks"_s, u"Plates"_s}));
+        // Red first: it comes with both categories, so choosing it keeps them; Blue comes
+        // with Plates only, and taking Red off alone would leave Plates alone.
+        window().colorChips().at(1)->click(); // Red
+        window().colorChips().at(0)->click(); // Blue
+        QCOMPARE(model().selectedColors(), (QSet<int>{1, 4}));
+        QCOMPARE(model().selectedCategories(), (QSet<QString>{u"Bricks"_s, u"Plates"_s}));
+        window().clearColorFilterButton()->click();
+        QVERIFY(model().selectedColors().isEmpty());
+        QCOMPARE(model().selectedCategories(), (QSet<QString>{u"Bricks"_s, u"Plates"_s}));
+        window().colorChips().at(0)->click(); // Blue
+        window().clearCategoryFilterButton()->click();
+        QVERIFY(model().selectedCategories().isEmpty());
+        QCOMPARE(model().selectedColors(), QSet<int>{1});
+        QCOMPARE(rowIDs(window()), (QStringList{u"3023-1"_s}));
+    }
+
     void searchNarrowsTheRowsByColourName()
     {
         open(m_station);

@@ -52,6 +52,19 @@ QScrollArea *chipStrip(QWidget *box, QWidget *parent)
     return strip;
 }
 
+// Empties a row of chips. The chips go later: the click that led here is still running
+// in one of them.
+void clearChips(QLayout *layout)
+{
+    while (QLayoutItem *item = layout->takeAt(0)) {
+        if (QWidget *widget = item->widget()) {
+            widget->hide();
+            widget->deleteLater();
+        }
+        delete item;
+    }
+}
+
 void clearLayout(QLayout *layout)
 {
     while (QLayoutItem *item = layout->takeAt(0)) {
@@ -281,10 +294,14 @@ QWidget *PartsChecklistWindow::buildFilterRows()
     m_clearColorFilterButton = new QPushButton(qtTrId("detail.parts.clearColorFilter"), rows);
     m_clearColorFilterButton->setObjectName(u"checklistClearColorFilter"_s);
     layout->addWidget(m_clearColorFilterButton, 0, 2);
+    // Taking the colours off one by one would narrow the categories to those of the
+    // colours still chosen on the way; clearing both and choosing the categories again
+    // keeps them as they were.
     connect(m_clearColorFilterButton, &QPushButton::clicked, this, [this] {
-        const QList<int> selected(m_viewModel->selectedColors().cbegin(), m_viewModel->selectedColors().cend());
-        for (const int colorID : selected)
-            m_viewModel->toggleColor(colorID);
+        const QSet<QString> categories = m_viewModel->selectedCategories();
+        m_viewModel->clearFilters();
+        for (const QString &name : categories)
+            m_viewModel->toggleCategory(name);
     });
 
     //% "Category"
@@ -298,9 +315,10 @@ QWidget *PartsChecklistWindow::buildFilterRows()
     m_clearCategoryFilterButton->setObjectName(u"checklistClearCategoryFilter"_s);
     layout->addWidget(m_clearCategoryFilterButton, 1, 2);
     connect(m_clearCategoryFilterButton, &QPushButton::clicked, this, [this] {
-        const QList<QString> selected(m_viewModel->selectedCategories().cbegin(), m_viewModel->selectedCategories().cend());
-        for (const QString &name : selected)
-            m_viewModel->toggleCategory(name);
+        const QSet<int> colors = m_viewModel->selectedColors();
+        m_viewModel->clearFilters();
+        for (const int colorID : colors)
+            m_viewModel->toggleColor(colorID);
     });
     layout->setColumnStretch(1, 1);
     return rows;
@@ -384,7 +402,7 @@ void PartsChecklistWindow::refreshPickers()
 
 void PartsChecklistWindow::refreshFacets()
 {
-    clearLayout(m_colorChipBox->layout());
+    clearChips(m_colorChipBox->layout());
     m_colorChips.clear();
     for (const ViewModel::ColorInfo &color : m_viewModel->availableColors()) {
         const int colorID = color.colorID;
@@ -396,7 +414,7 @@ void PartsChecklistWindow::refreshFacets()
     }
     static_cast<QHBoxLayout *>(m_colorChipBox->layout())->addStretch(1);
 
-    clearLayout(m_categoryChipBox->layout());
+    clearChips(m_categoryChipBox->layout());
     m_categoryChips.clear();
     for (const QString &category : m_viewModel->availableCategories()) {
         auto *chip = new CategoryFilterChip(category, m_viewModel->selectedCategories().contains(category),
