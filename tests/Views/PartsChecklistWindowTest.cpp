@@ -297,6 +297,8 @@ private Q_SLOTS:
         ColorFilterChip *red = window().colorChips().at(1);
         QCOMPARE(red->hexCode(), u"C91A09"_s);
         QCOMPARE(red->accessibleName(), u"Red"_s);
+        // The strip is tall enough for its chips: none is cut off.
+        QTRY_COMPARE(red->visibleRegion().boundingRect().size(), red->size());
         red->click();
         QCOMPARE(model().selectedColors(), QSet<int>{4});
         QVERIFY(window().colorChips().at(1)->isSelected());
@@ -316,6 +318,7 @@ private Q_SLOTS:
         QCOMPARE(window().categoryChips().size(), 2);
         CategoryFilterChip *bricks = window().categoryChips().at(0);
         QCOMPARE(bricks->name(), u"Bricks"_s);
+        QTRY_COMPARE(bricks->visibleRegion().boundingRect().size(), bricks->size());
         bricks->click();
         QCOMPARE(rowIDs(window()), (QStringList{u"3001-4"_s}));
         QVERIFY(window().categoryChips().at(0)->isSelected());

@@ -3,9 +3,8 @@
 
 #include "ViewModels/MissingPartsList.h"
 #include "ViewModels/PartsChecklistViewModel.h"
-#include "Views/CategoryFilterChip.h"
+#include "Views/ChecklistFacetBar.h"
 #include "Views/ChecklistRowView.h"
-#include "Views/ColorFilterChip.h"
 #include "Views/ColorSwatch.h"
 #include "Views/CompletionRing.h"
 #include "Views/EmptyStateView.h"
@@ -38,32 +37,6 @@ namespace {
 constexpr int ringSize = 72;
 
 using ViewModel = PartsChecklistViewModel;
-
-// A row of chips that scrolls sideways when there are more than fit.
-QScrollArea *chipStrip(QWidget *box, QWidget *parent)
-{
-    auto *strip = new QScrollArea(parent);
-    strip->setWidget(box);
-    strip->setWidgetResizable(true);
-    strip->setFrameShape(QFrame::NoFrame);
-    strip->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    strip->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    strip->setFixedHeight(box->sizeHint().height() + 16);
-    return strip;
-}
-
-// Empties a row of chips. The chips go later: the click that led here is still running
-// in one of them.
-void clearChips(QLayout *layout)
-{
-    while (QLayoutItem *item = layout->takeAt(0)) {
-        if (QWidget *widget = item->widget()) {
-            widget->hide();
-            widget->deleteLater();
-        }
-        delete item;
-    }
-}
 
 void clearLayout(QLayout *layout)
 {
@@ -135,7 +108,8 @@ void PartsChecklistWindow::build()
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(buildSummary());
     layout->addWidget(buildControls());
-    layout->addWidget(buildFilterRows());
+    m_facets = new ChecklistFacetBar(*m_viewModel, this);
+    layout->addWidget(m_facets);
     m_countLabel = new QLabel(this);
     m_countLabel->setObjectName(u"checklistCount"_s);
     layout->addWidget(m_countLabel);
@@ -147,7 +121,7 @@ void PartsChecklistWindow::build()
         // New rows from the catalog: the rows kept for the old ones go.
         dropKeptRows();
         refreshSummary();
-        refreshFacets();
+        m_facets->refresh();
         refreshList();
     });
     connect(&model, &ViewModel::revisionChanged, this, [this] {
@@ -175,17 +149,17 @@ void PartsChecklistWindow::build()
     connect(&model, &ViewModel::groupByChanged, this, pickersChanged);
     connect(&model, &ViewModel::filterModeChanged, this, pickersChanged);
     connect(&model, &ViewModel::selectedColorsChanged, this, [this] {
-        refreshFacets();
+        m_facets->refresh();
         refreshList();
     });
     connect(&model, &ViewModel::selectedCategoriesChanged, this, [this] {
-        refreshFacets();
+        m_facets->refresh();
         refreshList();
     });
 
     refreshSummary();
     refreshPickers();
-    refreshFacets();
+    m_facets->refresh();
     refreshList();
 }
 
@@ -278,52 +252,6 @@ QWidget *PartsChecklistWindow::buildControls()
     return controls;
 }
 
-QWidget *PartsChecklistWindow::buildFilterRows()
-{
-    auto *rows = new QWidget(this);
-    auto *layout = new QGridLayout(rows);
-    layout->setContentsMargins(0, 0, 0, 0);
-
-    //% "Colors"
-    layout->addWidget(new QLabel(qtTrId("detail.parts.colors"), rows), 0, 0);
-    m_colorChipBox = new QWidget(rows);
-    auto *colorLayout = new QHBoxLayout(m_colorChipBox);
-    colorLayout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(chipStrip(m_colorChipBox, rows), 0, 1);
-    //% "Clear"
-    m_clearColorFilterButton = new QPushButton(qtTrId("detail.parts.clearColorFilter"), rows);
-    m_clearColorFilterButton->setObjectName(u"checklistClearColorFilter"_s);
-    layout->addWidget(m_clearColorFilterButton, 0, 2);
-    // Taking the colours off one by one would narrow the categories to those of the
-    // colours still chosen on the way; clearing both and choosing the categories again
-    // keeps them as they were.
-    connect(m_clearColorFilterButton, &QPushButton::clicked, this, [this] {
-        const QSet<QString> categories = m_viewModel->selectedCategories();
-        m_viewModel->clearFilters();
-        for (const QString &name : categories)
-            m_viewModel->toggleCategory(name);
-    });
-
-    //% "Category"
-    layout->addWidget(new QLabel(qtTrId("detail.parts.category"), rows), 1, 0);
-    m_categoryChipBox = new QWidget(rows);
-    auto *categoryLayout = new QHBoxLayout(m_categoryChipBox);
-    categoryLayout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(chipStrip(m_categoryChipBox, rows), 1, 1);
-    //% "Clear"
-    m_clearCategoryFilterButton = new QPushButton(qtTrId("detail.parts.clearCategoryFilter"), rows);
-    m_clearCategoryFilterButton->setObjectName(u"checklistClearCategoryFilter"_s);
-    layout->addWidget(m_clearCategoryFilterButton, 1, 2);
-    connect(m_clearCategoryFilterButton, &QPushButton::clicked, this, [this] {
-        const QSet<int> colors = m_viewModel->selectedColors();
-        m_viewModel->clearFilters();
-        for (const int colorID : colors)
-            m_viewModel->toggleColor(colorID);
-    });
-    layout->setColumnStretch(1, 1);
-    return rows;
-}
-
 QWidget *PartsChecklistWindow::buildBody()
 {
     m_body = new QStackedWidget(this);
@@ -400,33 +328,24 @@ void PartsChecklistWindow::refreshPickers()
     selectIn(m_sortPicker, m_viewModel->sortBy());
 }
 
-void PartsChecklistWindow::refreshFacets()
+QList<ColorFilterChip *> PartsChecklistWindow::colorChips() const
 {
-    clearChips(m_colorChipBox->layout());
-    m_colorChips.clear();
-    for (const ViewModel::ColorInfo &color : m_viewModel->availableColors()) {
-        const int colorID = color.colorID;
-        auto *chip = new ColorFilterChip(color.hexCode, m_viewModel->selectedColors().contains(colorID),
-                                         [this, colorID] { m_viewModel->toggleColor(colorID); }, m_colorChipBox);
-        chip->setColorName(color.name);
-        m_colorChipBox->layout()->addWidget(chip);
-        m_colorChips.append(chip);
-    }
-    static_cast<QHBoxLayout *>(m_colorChipBox->layout())->addStretch(1);
+    return m_facets ? m_facets->colorChips() : QList<ColorFilterChip *>();
+}
 
-    clearChips(m_categoryChipBox->layout());
-    m_categoryChips.clear();
-    for (const QString &category : m_viewModel->availableCategories()) {
-        auto *chip = new CategoryFilterChip(category, m_viewModel->selectedCategories().contains(category),
-                                            [this, category] { m_viewModel->toggleCategory(category); },
-                                            m_categoryChipBox);
-        m_categoryChipBox->layout()->addWidget(chip);
-        m_categoryChips.append(chip);
-    }
-    static_cast<QHBoxLayout *>(m_categoryChipBox->layout())->addStretch(1);
+QList<CategoryFilterChip *> PartsChecklistWindow::categoryChips() const
+{
+    return m_facets ? m_facets->categoryChips() : QList<CategoryFilterChip *>();
+}
 
-    m_clearColorFilterButton->setVisible(!m_viewModel->selectedColors().isEmpty());
-    m_clearCategoryFilterButton->setVisible(!m_viewModel->selectedCategories().isEmpty());
+QPushButton *PartsChecklistWindow::clearColorFilterButton() const
+{
+    return m_facets ? m_facets->clearColorFilterButton() : nullptr;
+}
+
+QPushButton *PartsChecklistWindow::clearCategoryFilterButton() const
+{
+    return m_facets ? m_facets->clearCategoryFilterButton() : nullptr;
 }
 
 void PartsChecklistWindow::refreshList()

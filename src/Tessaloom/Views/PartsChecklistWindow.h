@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class ChecklistFacetBar;
 class ChecklistRowView;
 class CategoryFilterChip;
 class ColorFilterChip;
@@ -70,10 +71,11 @@ public:
     QAction *resetAllAction() const { return m_resetAllAction; }
     QAction *exportMissingAction() const { return m_exportMissingAction; }
     QAction *copyMissingAction() const { return m_copyMissingAction; }
-    QList<ColorFilterChip *> colorChips() const { return m_colorChips; }
-    QList<CategoryFilterChip *> categoryChips() const { return m_categoryChips; }
-    QPushButton *clearColorFilterButton() const { return m_clearColorFilterButton; }
-    QPushButton *clearCategoryFilterButton() const { return m_clearCategoryFilterButton; }
+    ChecklistFacetBar *facets() const { return m_facets; }
+    QList<ColorFilterChip *> colorChips() const;
+    QList<CategoryFilterChip *> categoryChips() const;
+    QPushButton *clearColorFilterButton() const;
+    QPushButton *clearCategoryFilterButton() const;
     QLabel *countLabel() const { return m_countLabel; }
     QList<ChecklistRowView *> rows() const { return m_rows; }
     // The headings of the blocks on show, in order; none without grouping.
@@ -93,11 +95,9 @@ private:
     void build();
     QWidget *buildSummary();
     QWidget *buildControls();
-    QWidget *buildFilterRows();
     QWidget *buildBody();
     void refreshSummary();
     void refreshPickers();
-    void refreshFacets();
     void refreshList();
     void refreshCounts();
     void clearEverything();
@@ -125,12 +125,7 @@ private:
     QAction *m_resetAllAction = nullptr;
     QAction *m_exportMissingAction = nullptr;
     QAction *m_copyMissingAction = nullptr;
-    QWidget *m_colorChipBox = nullptr;
-    QWidget *m_categoryChipBox = nullptr;
-    QList<ColorFilterChip *> m_colorChips;
-    QList<CategoryFilterChip *> m_categoryChips;
-    QPushButton *m_clearColorFilterButton = nullptr;
-    QPushButton *m_clearCategoryFilterButton = nullptr;
+    ChecklistFacetBar *m_facets = nullptr;
     QLabel *m_countLabel = nullptr;
     QStackedWidget *m_body = nullptr;
     QScrollArea *m_listPage = nullptr;
