@@ -2,8 +2,10 @@
 #include "Views/MainWindow.h"
 
 #include "Services/AppUpdateService.h"
+#include "Store/PersistentContainer.h"
 #include "Views/CatalogStatusIndicator.h"
 #include "Views/ContentView.h"
+#include "Views/PartsChecklistWindowGroup.h"
 #include "Views/SetListView.h"
 #include "Views/SampleCatalogNotice.h"
 
@@ -35,6 +37,7 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
     , m_contentView(new ContentView(container, catalogService))
     , m_sampleCatalogNotice(new SampleCatalogNotice(catalogService))
     , m_catalogStatusIndicator(new CatalogStatusIndicator(catalogService, statusBar()))
+    , m_partsChecklistWindows(new PartsChecklistWindowGroup(container.viewContext(), this, this))
 {
     setObjectName(u"mainWindow"_s);
     setWindowTitle(QApplication::applicationDisplayName());
@@ -49,9 +52,16 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
 
     setUnifiedTitleAndToolBarOnMac(true);
     buildMenus();
+    connect(m_contentView->setListView(), &SetListView::partsChecklistRequested, this,
+            &MainWindow::openPartsChecklist);
     statusBar()->setSizeGripEnabled(true);
     resize(1200, 760);
     restoreWindowState();
+}
+
+PartsChecklistWindow *MainWindow::openPartsChecklist(const ObjectID &brickSet)
+{
+    return m_partsChecklistWindows->open(brickSet);
 }
 
 void MainWindow::buildMenus()

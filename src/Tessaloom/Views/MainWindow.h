@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Store/ObjectID.h"
+
 #include <QCoroTask>
 #include <QMainWindow>
 
@@ -8,6 +10,8 @@ class AppUpdateService;
 class CatalogDatabaseService;
 class CatalogStatusIndicator;
 class ContentView;
+class PartsChecklistWindow;
+class PartsChecklistWindowGroup;
 class PersistentContainer;
 class QAction;
 class SampleCatalogNotice;
@@ -26,6 +30,11 @@ public:
     SampleCatalogNotice *sampleCatalogNotice() const { return m_sampleCatalogNotice; }
     CatalogStatusIndicator *catalogStatusIndicator() const { return m_catalogStatusIndicator; }
     QAction *checkForUpdatesAction() const { return m_checkForUpdatesAction; }
+    PartsChecklistWindowGroup *partsChecklistWindows() const { return m_partsChecklistWindows; }
+
+    // Opens the parts checklist window of the copy `brickSet`, or brings its open window
+    // to the front. Anything that is not an existing copy gets an empty window.
+    PartsChecklistWindow *openPartsChecklist(const ObjectID &brickSet);
 
 Q_SIGNALS:
     // Once, when the window's content first shows.
@@ -47,5 +56,6 @@ private:
     SampleCatalogNotice *m_sampleCatalogNotice;
     CatalogStatusIndicator *m_catalogStatusIndicator;
     QAction *m_checkForUpdatesAction = nullptr;
+    PartsChecklistWindowGroup *m_partsChecklistWindows;
     bool m_hasAppeared = false;
 };

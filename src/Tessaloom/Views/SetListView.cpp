@@ -21,6 +21,7 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QStackedWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -62,6 +63,7 @@ SetListView::SetListView(SetListViewModel &viewModel, QWidget *parent)
     layout->setContentsMargins(6, 6, 6, 0);
     buildBar();
     layout->addWidget(m_lists, 1);
+    buildCopyActions();
 
     m_copiesGrid->setObjectName(u"copiesGrid"_s);
     m_copiesGrid->setModel(viewModel.groups());
@@ -180,6 +182,59 @@ void SetListView::buildBar()
     connect(m_gridAction, &QAction::triggered, &m_viewModel, [this] { m_viewModel.setGridView(true); });
     connect(m_tableAction, &QAction::triggered, &m_viewModel, [this] { m_viewModel.setGridView(false); });
     connect(&m_viewModel, &SetListViewModel::isGridViewChanged, this, showPicked);
+}
+
+void SetListView::buildCopyActions()
+{
+    //% "Open Parts Checklist"
+    m_partsChecklistAction = new QAction(SymbolIcon::icon(u"checklist"_s), qtTrId("setList.openPartsChecklist"), this);
+    m_partsChecklistAction->setObjectName(u"openPartsChecklistAction"_s);
+    m_partsChecklistAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+    m_partsChecklistAction->setShortcutContext(Qt::WindowShortcut);
+    addAction(m_partsChecklistAction);
+    // The shortcut acts on the copy selected in the collection's list; it has none to act
+    // on while the catalog is shown.
+    connect(m_partsChecklistAction, &QAction::triggered, this, [this] {
+        if (!m_viewModel.isCatalogList() && m_selectedBrickSet)
+            Q_EMIT partsChecklistRequested(*m_selectedBrickSet);
+    });
+    for (QAbstractItemView *list : {static_cast<QAbstractItemView *>(m_copiesGrid), static_cast<QAbstractItemView *>(m_copiesTable)}) {
+        list->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(list, &QWidget::customContextMenuRequested, this,
+                [this, list](const QPoint &position) { showCopyContextMenu(list, position); });
+    }
+}
+
+std::optional<ObjectID> SetListView::copyAt(int row) const
+{
+    if (row < 0 || row >= m_viewModel.groups()->count())
+        return std::nullopt;
+    const SetListGroupModel::Group &group = m_viewModel.groups()->groupAt(row);
+    if (!group.copy)
+        return std::nullopt;
+    return group.copy->brickSet.objectID;
+}
+
+QMenu *SetListView::copyContextMenu(int row)
+{
+    const std::optional<ObjectID> copy = copyAt(row);
+    if (!copy)
+        return nullptr;
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QAction *open = menu->addAction(m_partsChecklistAction->icon(), m_partsChecklistAction->text());
+    open->setShortcut(m_partsChecklistAction->shortcut());
+    connect(open, &QAction::triggered, this, [this, id = *copy] { Q_EMIT partsChecklistRequested(id); });
+    return menu;
+}
+
+void SetListView::showCopyContextMenu(QAbstractItemView *list, const QPoint &position)
+{
+    const QModelIndex index = list->indexAt(position);
+    if (!index.isValid())
+        return;
+    if (QMenu *menu = copyContextMenu(index.row()))
+        menu->popup(list->viewport()->mapToGlobal(position));
 }
 
 void SetListView::setSidebarSelection(const std::optional<SidebarItem> &item)

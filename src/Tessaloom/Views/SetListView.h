@@ -12,7 +12,9 @@ class CatalogGridItemView;
 class CatalogTableView;
 class CellPictureLoader;
 class EmptyStateView;
+class QAbstractItemView;
 class QAction;
+class QMenu;
 class QItemSelectionModel;
 class QLabel;
 class QLineEdit;
@@ -51,6 +53,10 @@ public:
     QLineEdit *searchField() const { return m_searchField; }
     QAction *gridAction() const { return m_gridAction; }
     QAction *tableAction() const { return m_tableAction; }
+    // Opens the parts checklist of the selected copy (also in the copies' context menu).
+    QAction *partsChecklistAction() const { return m_partsChecklistAction; }
+    // The context menu of the copy at `row` of the copies list, as it would pop up.
+    QMenu *copyContextMenu(int row);
     SetGridView *copiesGrid() const { return m_copiesGrid; }
     SetTableView *copiesTable() const { return m_copiesTable; }
     SetGridView *catalogGrid() const { return m_catalogGrid; }
@@ -67,9 +73,14 @@ Q_SIGNALS:
     // The user chose a cell or row: the copy that stands for it, or none.
     void brickSetSelected(const std::optional<ObjectID> &brickSet);
     void catalogSetSelected(const std::optional<CatalogSetResult> &set);
+    // The user asked for the parts checklist window of a copy.
+    void partsChecklistRequested(const ObjectID &brickSet);
 
 private:
     void buildBar();
+    void buildCopyActions();
+    void showCopyContextMenu(QAbstractItemView *list, const QPoint &position);
+    std::optional<ObjectID> copyAt(int row) const;
     void showCurrentList();
     void updateCatalogEmptyState();
     void copySelectionChanged();
@@ -83,6 +94,7 @@ private:
     QLineEdit *m_searchField;
     QAction *m_gridAction = nullptr;
     QAction *m_tableAction = nullptr;
+    QAction *m_partsChecklistAction = nullptr;
     QStackedWidget *m_lists;
     SetGridView *m_copiesGrid;
     SetTableView *m_copiesTable;

@@ -51,6 +51,12 @@ const QHash<QString, SymbolMapping> &mappings()
         {u"square.stack.3d.up"_s, {u"package-x-generic"_s, QStyle::SP_DriveHDIcon}},
         {u"checkmark.circle.fill"_s, {u"emblem-ok"_s, QStyle::SP_DialogApplyButton}},
         {u"exclamationmark.triangle.fill"_s, {u"dialog-warning"_s, QStyle::SP_MessageBoxWarning}},
+        {u"checklist"_s, {u"view-task"_s, QStyle::SP_FileDialogDetailedView}},
+        {u"ellipsis.circle"_s, {u"overflow-menu"_s, QStyle::SP_ToolBarHorizontalExtensionButton}},
+        {u"square.grid.3x3"_s, {u"view-grid"_s, QStyle::SP_FileDialogContentsView}},
+        {u"line.3.horizontal.decrease.circle"_s, {u"view-filter"_s, QStyle::SP_FileDialogListView}},
+        {u"minus.circle"_s, {u"list-remove"_s, QStyle::SP_ArrowDown}},
+        {u"plus.circle"_s, {u"list-add"_s, QStyle::SP_ArrowUp}},
     };
     return table;
 }

@@ -486,6 +486,250 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>The catalog in use holds no sets or cannot be read.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="detail.parts.spareParts">
+        <source>Spare Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.parts">
+        <source>Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.loading">
+        <source>Loading parts…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group">
+        <source>Group</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort">
+        <source>Sort</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.filterPrompt">
+        <source>Filter parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noDataShort">
+        <source>No parts data for this set.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.uniqueCount." numerus="yes">
+        <source>%Ln unique part(s)</source>
+        <translation>
+            <numerusform>%Ln unique part</numerusform>
+            <numerusform>%Ln unique parts</numerusform>
+        </translation>
+    </message>
+    <message id="detail.parts.totalPieces." numerus="yes">
+        <source>%Ln piece(s)</source>
+        <translation>
+            <numerusform>%Ln piece</numerusform>
+            <numerusform>%Ln pieces</numerusform>
+        </translation>
+    </message>
+    <message id="detail.parts.sparesCount." numerus="yes">
+        <source>%Ln spare(s)</source>
+        <translation>
+            <numerusform>%Ln spare</numerusform>
+            <numerusform>%Ln spares</numerusform>
+        </translation>
+    </message>
+    <message id="parts.quantity.">
+        <source>×%L1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.none">
+        <source>None</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.color">
+        <source>Color</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.group.category">
+        <source>Category</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.name">
+        <source>Name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.quantity">
+        <source>Quantity</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.partNumber">
+        <source>Part Number</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.openPartsChecklist">
+        <source>Open Parts Checklist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.completionParts.">
+        <source>%1 of %2 parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.completionPieces.">
+        <source>%1 of %2 pieces</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.completionPercent.">
+        <source>%1% complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.percent.">
+        <source>%1%</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.parts.completion.">
+        <source>%1 percent complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.all">
+        <source>All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.incomplete">
+        <source>Missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status.complete">
+        <source>Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.sort.completion">
+        <source>Completion</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.parts.decrement">
+        <source>Remove one</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.parts.increment">
+        <source>Add one</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.parts.complete">
+        <source>Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.ownedOfRequired.">
+        <source>%1 / %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.partsChecklist">
+        <source>Parts Checklist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.searchPrompt">
+        <source>Search parts, numbers, colors</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.status">
+        <source>Status</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.actions">
+        <source>Actions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.markAllComplete">
+        <source>Mark All Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.resetAll">
+        <source>Reset All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.exportMissing">
+        <source>Export Missing Parts…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.copyMissing">
+        <source>Copy Missing Parts List</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.colors">
+        <source>Colors</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.clearColorFilter">
+        <source>Clear</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.category">
+        <source>Category</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.clearCategoryFilter">
+        <source>Clear</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noData">
+        <source>No Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noDataDescription">
+        <source>The catalog lists no parts for this set.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noMatch">
+        <source>No Matching Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.noMatchDescription">
+        <source>No part passes the search and filters.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.clearFilters">
+        <source>Clear Filters</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.partsCount." numerus="yes">
+        <source>%Ln part(s)</source>
+        <translation>
+            <numerusform>%Ln part</numerusform>
+            <numerusform>%Ln parts</numerusform>
+        </translation>
+    </message>
+    <message id="detail.parts.exportMissingTitle">
+        <source>Export Missing Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.parts.exportFailed.">
+        <source>The file could not be written: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="keychain.error.saveFailed.">
+        <source>Failed to save to Keychain (status: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="keychain.error.loadFailed.">
+        <source>Failed to load from Keychain (status: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="keychain.error.deleteFailed.">
+        <source>Failed to delete from Keychain (status: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sync.error.setNotFound">
+        <source>Set %1 not found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sync.error.syncFailed">
+        <source>Sync failed at %1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="sync.error.catalogUnavailable">
+        <source>Rebrickable catalog database not available</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="pricing.brickeconomy.tokenNotConfigured">
+        <source>BrickEconomy API token not configured.</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="api.error.http.">
         <source>HTTP error %1</source>
         <translation type="unfinished"></translation>
@@ -528,94 +772,6 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="pricing.error.invalidURL">
         <source>Failed to build API request URL.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.completionParts.">
-        <source>%1 of %2 parts</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.completionPieces.">
-        <source>%1 of %2 pieces</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.completionPercent.">
-        <source>%1% complete</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.percent.">
-        <source>%1%</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="accessibility.parts.completion.">
-        <source>%1 percent complete</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.status.all">
-        <source>All</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.status.incomplete">
-        <source>Missing</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.status.complete">
-        <source>Complete</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.group.none">
-        <source>None</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.group.color">
-        <source>Color</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.group.category">
-        <source>Category</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.sort.name">
-        <source>Name</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.sort.quantity">
-        <source>Quantity</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.sort.partNumber">
-        <source>Part Number</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="detail.parts.sort.completion">
-        <source>Completion</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="pricing.brickeconomy.tokenNotConfigured">
-        <source>BrickEconomy API token not configured.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="keychain.error.saveFailed.">
-        <source>Failed to save to Keychain (status: %1)</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="keychain.error.loadFailed.">
-        <source>Failed to load from Keychain (status: %1)</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="keychain.error.deleteFailed.">
-        <source>Failed to delete from Keychain (status: %1)</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="sync.error.setNotFound">
-        <source>Set %1 not found</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="sync.error.syncFailed">
-        <source>Sync failed at %1: %2</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="sync.error.catalogUnavailable">
-        <source>Rebrickable catalog database not available</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
