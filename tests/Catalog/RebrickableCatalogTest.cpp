@@ -215,6 +215,31 @@ private Q_SLOTS:
         QCOMPARE(m_catalog->setCount(), 13);
     }
 
+    void manyPartsAndColoursAreLookedUpAtOnceAndUnknownKeysLeftOut()
+    {
+        const QHash<QString, CatalogPartResult> parts = m_catalog->parts({u"3001"_s, u"no-such-part"_s});
+        QCOMPARE(parts.size(), 1);
+        QCOMPARE(parts.value(u"3001"_s), (CatalogPartResult{u"3001"_s, u"Brick 2 x 4"_s, 11}));
+        const QHash<int, CatalogColorResult> colors = m_catalog->colors({0, 47, 999});
+        QCOMPARE(colors.size(), 2);
+        QCOMPARE(colors.value(47), (CatalogColorResult{47, u"Trans-Clear"_s, u"FCFCFC"_s, true}));
+        QVERIFY(m_catalog->parts({}).isEmpty());
+    }
+
+    void lookUpByManyKeysReachesKeysBeyondTheFirstSlice()
+    {
+        // More keys than one statement takes: the known ones sit in the second and third slice.
+        QList<int> ids;
+        for (int id = 1000; id < 2200; ++id)
+            ids << id;
+        ids.insert(700, 0);
+        ids.insert(1100, 47);
+        const QHash<int, CatalogColorResult> colors = m_catalog->colors(ids);
+        QCOMPARE(colors.keys().size(), 2);
+        QVERIFY(colors.contains(0));
+        QVERIFY(colors.contains(47));
+    }
+
     void lookUpsAnswerWhileASearchHoldsItsConnection()
     {
         QMutexLocker searchInProgress(&RebrickableCatalogTestAccess::searchLock(*m_catalog));

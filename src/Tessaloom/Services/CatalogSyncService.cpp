@@ -126,21 +126,25 @@ void writeInventory(ManagedObjectContext &context, const RebrickableCatalog &cat
     QHash<int, CatalogColor> colors = findByKeys<CatalogColor>(
         context, u"colorID"_s, colorIDs, [](const CatalogColor &color) { return int(color.colorID); });
     QHash<LineKey, CatalogSetPart> lines = findLines(context, catalogSet);
+    // The catalog's facts of all of them in a few statements rather than one per key.
+    const QHash<QString, CatalogPartResult> catalogParts = catalog.parts(partNumbers);
+    const QHash<int, CatalogColorResult> catalogColors = catalog.colors(colorIDs);
 
     for (const QString &number : std::as_const(partNumbers)) {
         CatalogPart part = parts.value(number);
         part.partNumber = number; // unchanged when found: it is the key that found it
-        const std::optional<CatalogPartResult> fromCatalog = catalog.part(number);
-        part.name = fromCatalog ? fromCatalog->name : number;
+        const auto fromCatalog = catalogParts.constFind(number);
+        part.name = fromCatalog != catalogParts.cend() ? fromCatalog->name : number;
         parts.insert(number, insertOrUpdate(context, part));
     }
     for (const int colorID : std::as_const(colorIDs)) {
         CatalogColor color = colors.value(colorID);
         color.colorID = colorID;
-        const std::optional<CatalogColorResult> fromCatalog = catalog.color(colorID);
-        color.name = fromCatalog ? fromCatalog->name : u"Unknown"_s;
-        color.hexCode = fromCatalog ? fromCatalog->rgb : u"000000"_s;
-        color.isTransparent = fromCatalog && fromCatalog->isTransparent;
+        const auto fromCatalog = catalogColors.constFind(colorID);
+        const bool known = fromCatalog != catalogColors.cend();
+        color.name = known ? fromCatalog->name : u"Unknown"_s;
+        color.hexCode = known ? fromCatalog->rgb : u"000000"_s;
+        color.isTransparent = known && fromCatalog->isTransparent;
         colors.insert(colorID, insertOrUpdate(context, color));
     }
 

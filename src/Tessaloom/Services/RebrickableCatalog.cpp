@@ -363,22 +363,71 @@ QList<CatalogInventoryPartResult> RebrickableCatalog::inventoryParts(const QStri
     });
 }
 
+namespace {
+
+const QString selectColorColumns = u"SELECT id, name, rgb, is_trans FROM colors"_s;
+const QString selectPartColumns = u"SELECT part_num, name, part_cat_id FROM parts"_s;
+
+CatalogColorResult readColor(SQLiteStatement &statement)
+{
+    return {intColumn(statement, 0), statement.string(1), statement.string(2), statement.boolean(3)};
+}
+
+CatalogPartResult readPart(SQLiteStatement &statement)
+{
+    return {statement.string(0), statement.string(1), intColumn(statement, 2)};
+}
+
+// Keys per statement of a look-up by many keys: well under SQLite's limit of bound values,
+// and few statements even for the largest inventory.
+constexpr qsizetype keysPerStatement = 500;
+
+// The rows whose `column` is one of `keys`, asked in slices, by the key `keyOf` reads back.
+template <typename Key, typename Row, typename KeyOf>
+QHash<Key, Row> collectByKeys(const std::unique_ptr<SQLiteConnection> &db, QMutex &lock, const QString &select,
+                              const QString &column, const QList<Key> &keys,
+                              const std::function<Row(SQLiteStatement &)> &readRow, KeyOf keyOf)
+{
+    QHash<Key, Row> found;
+    found.reserve(keys.size());
+    for (qsizetype start = 0; start < keys.size(); start += keysPerStatement) {
+        const QList<Key> slice = keys.mid(start, keysPerStatement);
+        QVariantList parameters;
+        parameters.reserve(slice.size());
+        for (const Key &key : slice)
+            parameters.append(key);
+        const QString sql = select + u" WHERE "_s + column + u" IN ("_s + placeholders(slice.size()) + u")"_s;
+        for (const Row &row : collect<Row>(db, lock, sql, parameters, readRow))
+            found.insert(keyOf(row), row);
+    }
+    return found;
+}
+
+} // namespace
+
 std::optional<CatalogColorResult> RebrickableCatalog::color(int id) const
 {
-    return first(collect<CatalogColorResult>(
-        m_lookUps.db, m_lookUps.lock, u"SELECT id, name, rgb, is_trans FROM colors WHERE id = ?"_s, {id}, [](SQLiteStatement &statement) {
-            return CatalogColorResult{intColumn(statement, 0), statement.string(1), statement.string(2),
-                                      statement.boolean(3)};
-        }));
+    return first(collect<CatalogColorResult>(m_lookUps.db, m_lookUps.lock, selectColorColumns + u" WHERE id = ?"_s,
+                                             {id}, readColor));
 }
 
 std::optional<CatalogPartResult> RebrickableCatalog::part(const QString &number) const
 {
-    return first(collect<CatalogPartResult>(
-        m_lookUps.db, m_lookUps.lock, u"SELECT part_num, name, part_cat_id FROM parts WHERE part_num = ?"_s, {number},
-        [](SQLiteStatement &statement) {
-            return CatalogPartResult{statement.string(0), statement.string(1), intColumn(statement, 2)};
-        }));
+    return first(collect<CatalogPartResult>(m_lookUps.db, m_lookUps.lock, selectPartColumns + u" WHERE part_num = ?"_s,
+                                            {number}, readPart));
+}
+
+QHash<int, CatalogColorResult> RebrickableCatalog::colors(const QList<int> &ids) const
+{
+    return collectByKeys<int, CatalogColorResult>(m_searches.db, m_searches.lock, selectColorColumns, u"id"_s, ids,
+                                                  readColor, [](const CatalogColorResult &row) { return row.id; });
+}
+
+QHash<QString, CatalogPartResult> RebrickableCatalog::parts(const QStringList &numbers) const
+{
+    return collectByKeys<QString, CatalogPartResult>(m_searches.db, m_searches.lock, selectPartColumns, u"part_num"_s,
+                                                     numbers, readPart,
+                                                     [](const CatalogPartResult &row) { return row.partNum; });
 }
 
 std::optional<QString> RebrickableCatalog::partCategoryName(int id) const

@@ -3,6 +3,7 @@
 
 #include "Services/CatalogResults.h"
 
+#include <QHash>
 #include <QMutex>
 #include <QString>
 #include <QStringList>
@@ -19,8 +20,8 @@ class SQLiteConnection;
 // a query that cannot run gives an empty result (an empty list, or nothing).
 //
 // Two read-only connections, each with its own lock held for one statement at a time: the
-// searches and inventory reads that workers run, which can take tens of milliseconds, use
-// one; the short look-ups the window makes on the main thread (a theme, a set, the set
+// searches and bulk reads (inventories, many parts at once) that workers run, which can
+// take tens of milliseconds, use one; the short look-ups the window makes on the main thread (a theme, a set, the set
 // count) use the other, so a search in progress never holds up a repaint.
 //
 // One instance serves the process (shared()); after a new build the catalog service stores
@@ -64,6 +65,10 @@ public:
     QList<CatalogInventoryPartResult> inventoryParts(const QString &setNumber) const;
     std::optional<CatalogColorResult> color(int id) const;
     std::optional<CatalogPartResult> part(const QString &number) const;
+    // Many colours or parts in a few statements, by id or number; the ones the catalog
+    // lacks are not in the answer. For bulk work on a worker, as a set's inventory needs.
+    QHash<int, CatalogColorResult> colors(const QList<int> &ids) const;
+    QHash<QString, CatalogPartResult> parts(const QStringList &numbers) const;
     std::optional<QString> partCategoryName(int id) const;
     std::optional<CatalogThemeResult> theme(int id) const;
     QString themePath(int id) const;
