@@ -92,7 +92,7 @@ inline QMap<QString, int> storedCounts(const QString &storePath, const ObjectID 
     statement.bindInteger(1, copy.primaryKey);
     QMap<QString, int> counts;
     while (statement.step())
-        counts.insert(statement.text(0) + u'-' + QString::number(statement.integer(1)), int(statement.integer(2)));
+        counts.insert(statement.string(0) + u'-' + QString::number(statement.integer(1)), int(statement.integer(2)));
     return counts;
 }
 

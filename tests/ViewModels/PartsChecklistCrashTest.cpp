@@ -83,7 +83,7 @@ private:
             StoreConnection connection(path, false, false);
             auto check = connection.prepare(u"PRAGMA integrity_check"_s);
             QVERIFY(check.step());
-            QCOMPARE(check.text(0), u"ok"_s);
+            QCOMPARE(check.string(0), u"ok"_s);
         }
         auto store = PersistentContainer::open(path);
         const QList<BrickSet> copies = store->viewContext().fetch(FetchRequest<BrickSet>());
