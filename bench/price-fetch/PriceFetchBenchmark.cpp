@@ -20,12 +20,14 @@
 #include <QCoreApplication>
 #include <QCoroNetworkReply>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -49,6 +51,19 @@ double peakResidentMegabytes()
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     return double(usage.ru_maxrss) / 1024.0; // Linux reports KiB
+}
+
+// The resident memory now, from /proc (Linux); -1 where there is none. Unlike the peak it
+// can fall, so a round-by-round series shows whether memory stays flat.
+double residentMegabytes()
+{
+    QFile statm(u"/proc/self/statm"_s);
+    if (!statm.open(QIODevice::ReadOnly))
+        return -1;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    if (fields.size() < 2)
+        return -1;
+    return double(fields.at(1).toLongLong()) * double(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
 }
 
 double median(QList<double> samples)
@@ -170,7 +185,9 @@ int main(int argc, char *argv[])
                {u"overheadPerSetMs"_s, (priced.milliseconds - bare.milliseconds) / sets},
                {u"bodyBytes"_s, double(bare.bytes)},
                {u"results"_s, priced.results},
-               {u"failures"_s, bare.failures + priced.failures}});
+               {u"failures"_s, bare.failures + priced.failures},
+               {u"residentMegabytes"_s, residentMegabytes()},
+               {u"peakRssMegabytes"_s, peakResidentMegabytes()}});
     }
 
     const double bareMedian = median(bareTimes);
