@@ -304,6 +304,22 @@ private Q_SLOTS:
         QVERIFY(model().entriesByKey().isEmpty());
     }
 
+    void plusAndMinusKeysCountTheCurrentRow()
+    {
+        open(m_station);
+        pick(window().groupPicker(), PartsChecklistViewModel::GroupMode::none);
+        Row plate = row(u"3024-4"_s);
+        window().listPage()->setCurrentIndex(plate.index());
+        QTest::keyClick(window().listPage(), Qt::Key_Plus);
+        QCOMPARE(plate.count(), u"1 / 1"_s);
+        // Like the button, the key stops at the required quantity.
+        QTest::keyClick(window().listPage(), Qt::Key_Plus);
+        QCOMPARE(model().ownedCount(plate.item()), 1);
+        QTest::keyClick(window().listPage(), Qt::Key_Minus);
+        QCOMPARE(plate.count(), u"0 / 1"_s);
+        QCOMPARE(storedEntries(), 0);
+    }
+
     void markAllCompleteThenResetAllLeavesNoEntries()
     {
         open(m_station);

@@ -11,6 +11,7 @@
 #include <QFontMetrics>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QToolTip>
 
 using namespace Qt::StringLiterals;
 
@@ -168,4 +169,21 @@ bool ChecklistRowDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,
     else if (*hit == Button::increment && index.data(ChecklistRowModel::CanIncrementRole).toBool())
         Q_EMIT incrementRequested(index);
     return true;
+}
+
+bool ChecklistRowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                                     const QModelIndex &index)
+{
+    if (event->type() == QEvent::ToolTip && !index.data(ChecklistRowModel::IsHeadingRole).toBool()) {
+        int role = 0;
+        if (buttonRect(option.rect, Button::decrement).contains(event->pos()))
+            role = ChecklistRowModel::DecrementAccessibleNameRole;
+        else if (buttonRect(option.rect, Button::increment).contains(event->pos()))
+            role = ChecklistRowModel::IncrementAccessibleNameRole;
+        if (role != 0) {
+            QToolTip::showText(event->globalPos(), index.data(role).toString(), view);
+            return true;
+        }
+    }
+    return QStyledItemDelegate::helpEvent(event, view, option, index);
 }

@@ -15,6 +15,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -81,6 +82,27 @@ void PartsChecklistWindow::showEvent(QShowEvent *event)
         m_hasAppeared = true;
         m_viewModel->loadItems();
     }
+}
+
+bool PartsChecklistWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_listPage && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        const bool more = key == Qt::Key_Plus || key == Qt::Key_Equal;
+        const bool fewer = key == Qt::Key_Minus;
+        if (more || fewer) {
+            // The buttons' own rule: nothing below zero, nothing above the quantity.
+            const QModelIndex current = m_listPage->currentIndex();
+            if (const ChecklistItem *item = m_rowModel->item(current)) {
+                if (more && current.data(ChecklistRowModel::CanIncrementRole).toBool())
+                    m_viewModel->increment(ChecklistItem(*item));
+                else if (fewer && current.data(ChecklistRowModel::CanDecrementRole).toBool())
+                    m_viewModel->decrement(ChecklistItem(*item));
+            }
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void PartsChecklistWindow::build()
@@ -262,6 +284,7 @@ QWidget *PartsChecklistWindow::buildBody()
         if (const ChecklistItem *item = m_rowModel->item(index))
             m_viewModel->decrement(ChecklistItem(*item));
     });
+    m_listPage->installEventFilter(this);
     m_body->addWidget(m_listPage);
 
     //% "No Parts"

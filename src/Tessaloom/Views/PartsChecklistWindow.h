@@ -103,6 +103,8 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    // "+" and "-" on the list count the current row up and down, as its buttons do.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void build();
