@@ -4,7 +4,8 @@
 #include "ViewModels/MissingPartsList.h"
 #include "ViewModels/PartsChecklistViewModel.h"
 #include "Views/ChecklistFacetBar.h"
-#include "Views/ChecklistRowView.h"
+#include "Views/CellPictureLoader.h"
+#include "Views/ChecklistRowModel.h"
 #include "Views/ColorSwatch.h"
 #include "Views/CompletionRing.h"
 #include "Views/EmptyStateView.h"
@@ -14,19 +15,17 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMenu>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QStackedWidget>
 #include <QStandardPaths>
-#include <QScrollBar>
-#include <QSet>
-#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -37,17 +36,6 @@ namespace {
 constexpr int ringSize = 72;
 
 using ViewModel = PartsChecklistViewModel;
-
-void clearLayout(QLayout *layout)
-{
-    while (QLayoutItem *item = layout->takeAt(0)) {
-        if (QWidget *widget = item->widget())
-            delete widget;
-        else if (QLayout *inner = item->layout())
-            clearLayout(inner);
-        delete item;
-    }
-}
 
 template <typename Mode>
 void fillPicker(QComboBox *picker, const QList<Mode> &modes)
@@ -82,8 +70,8 @@ PartsChecklistWindow::~PartsChecklistWindow() = default;
 void PartsChecklistWindow::setImageCache(ImageCacheService *cache)
 {
     m_imageCache = cache;
-    for (ChecklistRowView *row : std::as_const(m_rows))
-        row->setImageCache(cache);
+    if (m_pictures)
+        m_pictures->setImageCache(cache);
 }
 
 void PartsChecklistWindow::showEvent(QShowEvent *event)
@@ -96,11 +84,25 @@ void PartsChecklistWindow::showEvent(QShowEvent *event)
     }
 }
 
-void PartsChecklistWindow::resizeEvent(QResizeEvent *event)
+bool PartsChecklistWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    QWidget::resizeEvent(event);
-    if (m_pictureTimer)
-        m_pictureTimer->start();
+    if (watched == m_listPage && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        const bool more = key == Qt::Key_Plus || key == Qt::Key_Equal;
+        const bool fewer = key == Qt::Key_Minus;
+        if (more || fewer) {
+            // The buttons' own rule: nothing below zero, nothing above the quantity.
+            const QModelIndex current = m_listPage->currentIndex();
+            if (const ChecklistItem *item = m_rowModel->item(current)) {
+                if (more && current.data(ChecklistRowModel::CanIncrementRole).toBool())
+                    m_viewModel->increment(ChecklistItem(*item));
+                else if (fewer && current.data(ChecklistRowModel::CanDecrementRole).toBool())
+                    m_viewModel->decrement(ChecklistItem(*item));
+            }
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void PartsChecklistWindow::build()
@@ -113,13 +115,18 @@ void PartsChecklistWindow::build()
     m_countLabel = new QLabel(this);
     m_countLabel->setObjectName(u"checklistCount"_s);
     layout->addWidget(m_countLabel);
+    m_loadingIndicator = new QProgressBar(this);
+    m_loadingIndicator->setRange(0, 0);
+    m_loadingIndicator->setTextVisible(false);
+    m_loadingIndicator->setMaximumWidth(120);
+    //% "Loading parts…"
+    m_loadingIndicator->setAccessibleName(qtTrId("detail.parts.loading"));
+    layout->addWidget(m_loadingIndicator, 0, Qt::AlignHCenter);
     layout->addWidget(buildBody(), 1);
 
     ViewModel &model = *m_viewModel;
     connect(&model, &ViewModel::isLoadingChanged, this, [this] { refreshList(); });
     connect(&model, &ViewModel::itemsChanged, this, [this] {
-        // New rows from the catalog: the rows kept for the old ones go.
-        dropKeptRows();
         refreshSummary();
         m_facets->refresh();
         refreshList();
@@ -130,8 +137,7 @@ void PartsChecklistWindow::build()
         // a status filter or the completion order a row may leave or move.
         if (m_viewModel->filterMode() == ViewModel::FilterMode::all
             && m_viewModel->sortBy() != ViewModel::SortMode::completion) {
-            for (ChecklistRowView *row : std::as_const(m_rows))
-                row->setOwned(m_viewModel->ownedCount(row->item()), m_viewModel->isComplete(row->item()));
+            m_rowModel->refreshCounts();
         } else {
             refreshList();
         }
@@ -256,31 +262,30 @@ QWidget *PartsChecklistWindow::buildBody()
 {
     m_body = new QStackedWidget(this);
 
-    m_listPage = new QScrollArea(m_body);
+    m_listPage = new QListView(m_body);
     m_listPage->setObjectName(u"checklistList"_s);
-    m_listPage->setWidgetResizable(true);
-    m_listContent = new QWidget(m_listPage);
-    auto *contentLayout = new QVBoxLayout(m_listContent);
-    contentLayout->setContentsMargins(0, 0, 0, 0);
-    contentLayout->setSpacing(0);
-    m_loadingIndicator = new QProgressBar(m_listContent);
-    m_loadingIndicator->setRange(0, 0);
-    m_loadingIndicator->setTextVisible(false);
-    m_loadingIndicator->setMaximumWidth(120);
-    //% "Loading parts…"
-    m_loadingIndicator->setAccessibleName(qtTrId("detail.parts.loading"));
-    contentLayout->addWidget(m_loadingIndicator, 0, Qt::AlignHCenter);
-    m_listLayout = new QVBoxLayout;
-    m_listLayout->setSpacing(0);
-    contentLayout->addLayout(m_listLayout);
-    contentLayout->addStretch(1);
-    m_listPage->setWidget(m_listContent);
+    m_listPage->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_listPage->setSelectionMode(QAbstractItemView::NoSelection);
+    m_listPage->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_rowModel = new ChecklistRowModel(*m_viewModel, m_listPage);
+    m_pictures = new CellPictureLoader(QSize(ChecklistRowDelegate::pictureSide, ChecklistRowDelegate::pictureSide),
+                                       4 * 1024 * 1024, this);
+    if (m_imageCache)
+        m_pictures->setImageCache(m_imageCache);
+    m_rowDelegate = new ChecklistRowDelegate(*m_pictures, m_listPage->font(), m_listPage);
+    m_listPage->setItemDelegate(m_rowDelegate);
+    m_listPage->setModel(m_rowModel);
+    // The row's item is copied out: the model may be reset by the change it causes.
+    connect(m_rowDelegate, &ChecklistRowDelegate::incrementRequested, this, [this](const QModelIndex &index) {
+        if (const ChecklistItem *item = m_rowModel->item(index))
+            m_viewModel->increment(ChecklistItem(*item));
+    });
+    connect(m_rowDelegate, &ChecklistRowDelegate::decrementRequested, this, [this](const QModelIndex &index) {
+        if (const ChecklistItem *item = m_rowModel->item(index))
+            m_viewModel->decrement(ChecklistItem(*item));
+    });
+    m_listPage->installEventFilter(this);
     m_body->addWidget(m_listPage);
-    m_pictureTimer = new QTimer(this);
-    m_pictureTimer->setSingleShot(true);
-    m_pictureTimer->setInterval(0);
-    connect(m_pictureTimer, &QTimer::timeout, this, &PartsChecklistWindow::requestVisiblePictures);
-    connect(m_listPage->verticalScrollBar(), &QScrollBar::valueChanged, m_pictureTimer, qOverload<>(&QTimer::start));
 
     //% "No Parts"
     const QString noDataTitle = qtTrId("detail.parts.noData");
@@ -350,56 +355,12 @@ QPushButton *PartsChecklistWindow::clearCategoryFilterButton() const
 
 void PartsChecklistWindow::refreshList()
 {
-    // Rows are kept between refreshes and only re-ordered, shown or hidden: typing in
-    // the search field over a large set would otherwise build every row anew per key.
-    for (ChecklistRowView *row : std::as_const(m_rows))
-        m_listLayout->removeWidget(row);
-    m_rows.clear();
-    m_groupHeadings.clear();
-    clearLayout(m_listLayout);
-    QHash<QString, qsizetype> usedOfID;
-
     const ViewModel &model = *m_viewModel;
     const bool loading = model.isLoading();
     m_loadingIndicator->setVisible(loading && model.items().isEmpty());
-    const QList<ChecklistGroup> groups = model.groupedItems();
-    qsizetype shown = 0;
-    for (const ChecklistGroup &group : groups) {
-        shown += group.items.size();
-        if (!group.title.isEmpty()) {
-            auto *heading = new QLabel(group.title, m_listContent);
-            QFont font = heading->font();
-            font.setBold(true);
-            heading->setFont(font);
-            auto *line = new QHBoxLayout;
-            line->setContentsMargins(6, 10, 6, 4);
-            if (group.colorID)
-                line->addWidget(new ColorSwatch(group.colorHex, 12, m_listContent));
-            line->addWidget(heading, 1);
-            m_listLayout->addLayout(line);
-            m_groupHeadings.append(heading);
-        }
-        for (const ChecklistItem &item : group.items) {
-            // Two lines of one part and colour share an id; each keeps its own row.
-            ChecklistRowView *row = keptRow(item, usedOfID[item.id]++);
-            row->setOwned(model.ownedCount(item), model.isComplete(item));
-            m_listLayout->addWidget(row);
-            // A new row is shown by the layout; one hidden by an earlier refresh is shown
-            // here. Showing every row at once by hand costs seconds on a large set.
-            if (row->isHidden() && row->testAttribute(Qt::WA_WState_ExplicitShowHide))
-                row->show();
-            m_rows.append(row);
-        }
-    }
-    const QSet<ChecklistRowView *> onShow(m_rows.cbegin(), m_rows.cend());
-    for (const QList<ChecklistRowView *> &kept : std::as_const(m_keptRows)) {
-        for (ChecklistRowView *row : kept) {
-            if (!onShow.contains(row))
-                row->hide();
-        }
-    }
-
-    m_pictureTimer->start();
+    // The view lays out and paints only what is in sight of the new rows.
+    m_rowModel->setGroups(model.groupedItems());
+    const qsizetype shown = m_rowModel->itemCount();
 
     //% "%Ln part(s)"
     m_countLabel->setText(qtTrId("detail.parts.partsCount.", int(shown)));
@@ -411,56 +372,52 @@ void PartsChecklistWindow::refreshList()
         m_body->setCurrentWidget(m_listPage);
 }
 
-ChecklistRowView *PartsChecklistWindow::keptRow(const ChecklistItem &item, qsizetype occurrence)
+QAbstractItemView *PartsChecklistWindow::listView() const
 {
-    QList<ChecklistRowView *> &kept = m_keptRows[item.id];
-    if (occurrence < kept.size())
-        return kept.at(occurrence);
-    const ViewModel &model = *m_viewModel;
-    auto *row = new ChecklistRowView(item, model.ownedCount(item), model.isComplete(item), m_listContent);
-    if (m_imageCache)
-        row->setImageCache(m_imageCache);
-    connect(row, &ChecklistRowView::incrementRequested, this,
-            [this](const ChecklistItem &chosen) { m_viewModel->increment(chosen); });
-    connect(row, &ChecklistRowView::decrementRequested, this,
-            [this](const ChecklistItem &chosen) { m_viewModel->decrement(chosen); });
-    // The layout shows a new row a turn of the event loop later; its picture is decided then.
-    connect(row, &ChecklistRowView::shown, m_pictureTimer, qOverload<>(&QTimer::start));
-    kept.append(row);
-    return row;
+    return m_listPage;
 }
 
-void PartsChecklistWindow::dropKeptRows()
+QList<QModelIndex> PartsChecklistWindow::rows() const
 {
-    // Deleted later: the click that led to a reload may still be running in one of them.
-    for (const QList<ChecklistRowView *> &kept : std::as_const(m_keptRows)) {
-        for (ChecklistRowView *row : kept) {
-            m_listLayout->removeWidget(row);
-            row->hide();
-            row->deleteLater();
-        }
-    }
-    m_keptRows.clear();
-    m_rows.clear();
+    return m_rowModel ? m_rowModel->itemIndexes() : QList<QModelIndex>();
 }
 
-void PartsChecklistWindow::requestVisiblePictures()
+QModelIndex PartsChecklistWindow::rowIndex(qsizetype position) const
 {
-    if (!m_listPage->isVisible())
-        return;
-    // The rows' places are only known once the list's layout, and the scroll area
-    // sizing the list after it, have run.
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    // The part of the list in view, with a screen's height more below it, so that a
-    // short scroll finds its pictures already on their way.
-    const QRect viewport = m_listPage->viewport()->rect();
-    const QRect wanted(m_listContent->mapFrom(m_listPage->viewport(), viewport.topLeft()),
-                       QSize(viewport.width(), viewport.height() * 2));
-    for (ChecklistRowView *row : std::as_const(m_rows)) {
-        // A row not shown yet has no place; it asks again once shown.
-        if (!row->isPictureRequested() && row->isVisible() && row->geometry().intersects(wanted))
-            row->requestPicture();
+    if (!m_rowModel)
+        return {};
+    for (int row = 0; row < m_rowModel->rowCount(); ++row) {
+        const QModelIndex index = m_rowModel->index(row);
+        if (!index.data(ChecklistRowModel::IsHeadingRole).toBool() && position-- == 0)
+            return index;
     }
+    return {};
+}
+
+QRect PartsChecklistWindow::rowButtonRect(const QModelIndex &row, RowButton button) const
+{
+    if (!m_listPage || !row.isValid())
+        return {};
+    m_listPage->scrollTo(row);
+    return m_rowDelegate->buttonRect(m_listPage->visualRect(row), button);
+}
+
+bool PartsChecklistWindow::isPictureRequested(const QModelIndex &row) const
+{
+    return m_rowDelegate && m_rowDelegate->isPictureRequested(row.data(ChecklistRowModel::PictureURLRole).toString());
+}
+
+QStringList PartsChecklistWindow::groupHeadings() const
+{
+    QStringList titles;
+    if (!m_rowModel)
+        return titles;
+    for (int row = 0; row < m_rowModel->rowCount(); ++row) {
+        const QModelIndex index = m_rowModel->index(row);
+        if (index.data(ChecklistRowModel::IsHeadingRole).toBool())
+            titles.append(index.data().toString());
+    }
+    return titles;
 }
 
 void PartsChecklistWindow::clearEverything()

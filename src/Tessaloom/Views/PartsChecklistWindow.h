@@ -2,38 +2,43 @@
 #pragma once
 
 #include "ViewModels/ChecklistItem.h"
+#include "Views/ChecklistRowDelegate.h"
 
-#include <QHash>
 #include <QList>
+#include <QModelIndex>
 #include <QWidget>
 
 #include <memory>
 
+class CellPictureLoader;
 class ChecklistFacetBar;
-class ChecklistRowView;
+class ChecklistRowModel;
 class CategoryFilterChip;
 class ColorFilterChip;
 class CompletionRing;
 class EmptyStateView;
 class ImageCacheService;
 class PartsChecklistViewModel;
+class QAbstractItemView;
 class QAction;
 class QComboBox;
 class QLabel;
 class QLineEdit;
+class QListView;
 class QMenu;
 class QProgressBar;
 class QPushButton;
-class QScrollArea;
 class QStackedWidget;
-class QTimer;
 class QToolButton;
-class QVBoxLayout;
 
 // The window in which the user ticks off the parts of one owned copy. From the top: a
 // summary (completion ring and figures), the search field, the status, group and sort
 // pickers with the actions menu, the colour and category filter chips, the count of rows
 // shown, and the rows themselves, or an empty state that says why there are none.
+//
+// The rows are a list view over ChecklistRowModel painted by ChecklistRowDelegate: opening,
+// filtering and re-sorting a set of a thousand lines cost what the rows in sight cost, not
+// a thousand rows of widgets.
 //
 // Without a view model the window stays empty: it was opened for a copy that does not
 // exist (any more), and says nothing about it.
@@ -43,6 +48,7 @@ class PartsChecklistWindow : public QWidget
 
 public:
     static constexpr QSize defaultSize{900, 700};
+    using RowButton = ChecklistRowDelegate::Button;
 
     explicit PartsChecklistWindow(std::unique_ptr<PartsChecklistViewModel> viewModel, QWidget *parent = nullptr);
     ~PartsChecklistWindow() override;
@@ -77,11 +83,19 @@ public:
     QPushButton *clearColorFilterButton() const;
     QPushButton *clearCategoryFilterButton() const;
     QLabel *countLabel() const { return m_countLabel; }
-    QList<ChecklistRowView *> rows() const { return m_rows; }
-    // The headings of the blocks on show, in order; none without grouping.
-    QList<QLabel *> groupHeadings() const { return m_groupHeadings; }
+    // The item rows on show, in order (headings left out), and the `position`-th of them.
+    ChecklistRowModel *rowModel() const { return m_rowModel; }
+    QList<QModelIndex> rows() const;
+    QModelIndex rowIndex(qsizetype position) const;
+    // Where a row's button is, in the list's viewport; the row is scrolled into view first.
+    QRect rowButtonRect(const QModelIndex &row, RowButton button) const;
+    // Whether the row's picture has been asked for: rows far out of sight do not ask.
+    bool isPictureRequested(const QModelIndex &row) const;
+    // The titles of the blocks' headings on show, in order; none without grouping.
+    QStringList groupHeadings() const;
     QStackedWidget *body() const { return m_body; }
-    QScrollArea *listPage() const { return m_listPage; }
+    QListView *listPage() const { return m_listPage; }
+    QAbstractItemView *listView() const;
     EmptyStateView *noDataState() const { return m_noDataState; }
     QWidget *noMatchPage() const { return m_noMatchPage; }
     EmptyStateView *noMatchState() const { return m_noMatchState; }
@@ -89,7 +103,8 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
+    // "+" and "-" on the list count the current row up and down, as its buttons do.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void build();
@@ -99,12 +114,7 @@ private:
     void refreshSummary();
     void refreshPickers();
     void refreshList();
-    void refreshCounts();
     void clearEverything();
-    void requestVisiblePictures();
-    // The row kept for the `occurrence`-th item of `item.id`, made when there is none.
-    ChecklistRowView *keptRow(const ChecklistItem &item, qsizetype occurrence);
-    void dropKeptRows();
     void exportMissingPartsInteractively();
 
     std::unique_ptr<PartsChecklistViewModel> m_viewModel;
@@ -128,17 +138,13 @@ private:
     ChecklistFacetBar *m_facets = nullptr;
     QLabel *m_countLabel = nullptr;
     QStackedWidget *m_body = nullptr;
-    QScrollArea *m_listPage = nullptr;
-    QWidget *m_listContent = nullptr;
-    QVBoxLayout *m_listLayout = nullptr;
+    QListView *m_listPage = nullptr;
+    ChecklistRowModel *m_rowModel = nullptr;
+    ChecklistRowDelegate *m_rowDelegate = nullptr;
+    CellPictureLoader *m_pictures = nullptr;
     QProgressBar *m_loadingIndicator = nullptr;
     EmptyStateView *m_noDataState = nullptr;
     QWidget *m_noMatchPage = nullptr;
     EmptyStateView *m_noMatchState = nullptr;
     QPushButton *m_clearFiltersButton = nullptr;
-    QList<ChecklistRowView *> m_rows; // the rows on show, in order
-    QHash<QString, QList<ChecklistRowView *>> m_keptRows; // every row made, by item id
-    QList<QLabel *> m_groupHeadings;
-    // Pictures are asked for once the rows are laid out, and again as the list scrolls.
-    QTimer *m_pictureTimer = nullptr;
 };
