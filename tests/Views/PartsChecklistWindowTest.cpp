@@ -10,7 +10,7 @@
 #include "Store/PersistenceController.h"
 #include "ViewModels/PartsChecklistViewModel.h"
 #include "Views/CategoryFilterChip.h"
-#include "Views/ChecklistRowDelegate.h"
+#include "Views/ChecklistRowView.h"
 #include "Views/ChecklistRowModel.h"
 #include "Views/ColorFilterChip.h"
 #include "Views/CompletionRing.h"
@@ -281,7 +281,7 @@ private Q_SLOTS:
         const qint64 revision = model().revision();
         // The button is off; the request itself, should it come, changes nothing either.
         QVERIFY(!plate.canIncrement());
-        auto *delegate = qobject_cast<ChecklistRowDelegate *>(window().listPage()->itemDelegate());
+        auto *delegate = qobject_cast<ChecklistRowView *>(window().listPage()->itemDelegate());
         QVERIFY(delegate);
         Q_EMIT delegate->incrementRequested(plate.index());
         QCOMPARE(model().revision(), revision);

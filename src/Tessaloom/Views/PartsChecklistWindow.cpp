@@ -268,19 +268,19 @@ QWidget *PartsChecklistWindow::buildBody()
     m_listPage->setSelectionMode(QAbstractItemView::NoSelection);
     m_listPage->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_rowModel = new ChecklistRowModel(*m_viewModel, m_listPage);
-    m_pictures = new CellPictureLoader(QSize(ChecklistRowDelegate::pictureSide, ChecklistRowDelegate::pictureSide),
+    m_pictures = new CellPictureLoader(QSize(ChecklistRowView::pictureSide, ChecklistRowView::pictureSide),
                                        4 * 1024 * 1024, this);
     if (m_imageCache)
         m_pictures->setImageCache(m_imageCache);
-    m_rowDelegate = new ChecklistRowDelegate(*m_pictures, m_listPage->font(), m_listPage);
+    m_rowDelegate = new ChecklistRowView(*m_pictures, m_listPage->font(), m_listPage);
     m_listPage->setItemDelegate(m_rowDelegate);
     m_listPage->setModel(m_rowModel);
     // The row's item is copied out: the model may be reset by the change it causes.
-    connect(m_rowDelegate, &ChecklistRowDelegate::incrementRequested, this, [this](const QModelIndex &index) {
+    connect(m_rowDelegate, &ChecklistRowView::incrementRequested, this, [this](const QModelIndex &index) {
         if (const ChecklistItem *item = m_rowModel->item(index))
             m_viewModel->increment(ChecklistItem(*item));
     });
-    connect(m_rowDelegate, &ChecklistRowDelegate::decrementRequested, this, [this](const QModelIndex &index) {
+    connect(m_rowDelegate, &ChecklistRowView::decrementRequested, this, [this](const QModelIndex &index) {
         if (const ChecklistItem *item = m_rowModel->item(index))
             m_viewModel->decrement(ChecklistItem(*item));
     });

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ViewModels/ChecklistItem.h"
-#include "Views/ChecklistRowDelegate.h"
+#include "Views/ChecklistRowView.h"
 
 #include <QList>
 #include <QModelIndex>
@@ -36,7 +36,7 @@ class QToolButton;
 // pickers with the actions menu, the colour and category filter chips, the count of rows
 // shown, and the rows themselves, or an empty state that says why there are none.
 //
-// The rows are a list view over ChecklistRowModel painted by ChecklistRowDelegate: opening,
+// The rows are a list view over ChecklistRowModel painted by ChecklistRowView: opening,
 // filtering and re-sorting a set of a thousand lines cost what the rows in sight cost, not
 // a thousand rows of widgets.
 //
@@ -48,7 +48,7 @@ class PartsChecklistWindow : public QWidget
 
 public:
     static constexpr QSize defaultSize{900, 700};
-    using RowButton = ChecklistRowDelegate::Button;
+    using RowButton = ChecklistRowView::Button;
 
     explicit PartsChecklistWindow(std::unique_ptr<PartsChecklistViewModel> viewModel, QWidget *parent = nullptr);
     ~PartsChecklistWindow() override;
@@ -140,7 +140,7 @@ private:
     QStackedWidget *m_body = nullptr;
     QListView *m_listPage = nullptr;
     ChecklistRowModel *m_rowModel = nullptr;
-    ChecklistRowDelegate *m_rowDelegate = nullptr;
+    ChecklistRowView *m_rowDelegate = nullptr;
     CellPictureLoader *m_pictures = nullptr;
     QProgressBar *m_loadingIndicator = nullptr;
     EmptyStateView *m_noDataState = nullptr;

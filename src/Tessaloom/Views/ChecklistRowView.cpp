@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Views/ChecklistRowDelegate.h"
+#include "Views/ChecklistRowView.h"
 
 #include "Views/CellPictureLoader.h"
 #include "Views/ChecklistRowModel.h"
@@ -25,7 +25,7 @@ constexpr int spacing = 6;
 
 } // namespace
 
-ChecklistRowDelegate::ChecklistRowDelegate(CellPictureLoader &pictures, const QFont &font, QObject *parent)
+ChecklistRowView::ChecklistRowView(CellPictureLoader &pictures, const QFont &font, QObject *parent)
     : QStyledItemDelegate(parent)
     , m_pictures(pictures)
     , m_font(font)
@@ -35,7 +35,7 @@ ChecklistRowDelegate::ChecklistRowDelegate(CellPictureLoader &pictures, const QF
     m_boldFont.setBold(true);
 }
 
-QRect ChecklistRowDelegate::buttonRect(const QRect &rowRect, Button button) const
+QRect ChecklistRowView::buttonRect(const QRect &rowRect, Button button) const
 {
     const int top = rowRect.top() + (rowRect.height() - buttonSide) / 2;
     const int incrementLeft = rowRect.right() - margin - buttonSide + 1;
@@ -44,13 +44,13 @@ QRect ChecklistRowDelegate::buttonRect(const QRect &rowRect, Button button) cons
     return {incrementLeft - spacing - m_countWidth - spacing - buttonSide, top, buttonSide, buttonSide};
 }
 
-QSize ChecklistRowDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+QSize ChecklistRowView::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     Q_UNUSED(option)
     return {0, index.data(ChecklistRowModel::IsHeadingRole).toBool() ? headingHeight : rowHeight};
 }
 
-void ChecklistRowDelegate::paintHeading(QPainter *painter, const QStyleOptionViewItem &option,
+void ChecklistRowView::paintHeading(QPainter *painter, const QStyleOptionViewItem &option,
                                         const QModelIndex &index) const
 {
     QRect text = option.rect.adjusted(margin, 10, -margin, -4);
@@ -66,7 +66,7 @@ void ChecklistRowDelegate::paintHeading(QPainter *painter, const QStyleOptionVie
                       index.data(Qt::DisplayRole).toString());
 }
 
-void ChecklistRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+void ChecklistRowView::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
@@ -136,7 +136,7 @@ void ChecklistRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
     painter->restore();
 }
 
-bool ChecklistRowDelegate::editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+bool ChecklistRowView::editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
                                        const QModelIndex &index)
 {
     Q_UNUSED(model)
@@ -171,7 +171,7 @@ bool ChecklistRowDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,
     return true;
 }
 
-bool ChecklistRowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+bool ChecklistRowView::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                                      const QModelIndex &index)
 {
     if (event->type() == QEvent::ToolTip && !index.data(ChecklistRowModel::IsHeadingRole).toBool()) {

@@ -14,7 +14,7 @@ class CellPictureLoader;
 // only asks, through its signals, and the view model changes the count.
 //
 // Headings of blocks are painted in bold, with the colour's swatch for a colour block.
-class ChecklistRowDelegate : public QStyledItemDelegate
+class ChecklistRowView : public QStyledItemDelegate
 {
     Q_OBJECT
 
@@ -25,7 +25,7 @@ public:
     static constexpr int headingHeight = 30;
     static constexpr int pictureSide = 44;
 
-    ChecklistRowDelegate(CellPictureLoader &pictures, const QFont &font, QObject *parent = nullptr);
+    ChecklistRowView(CellPictureLoader &pictures, const QFont &font, QObject *parent = nullptr);
 
     // Where `button` sits in a row drawn in `rowRect`.
     QRect buttonRect(const QRect &rowRect, Button button) const;
