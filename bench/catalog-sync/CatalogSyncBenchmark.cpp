@@ -28,6 +28,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QHash>
+#include <QSet>
 #include <QJsonObject>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
@@ -69,19 +70,30 @@ Inventory readInventory(const RebrickableCatalog &catalog, const QString &number
     inventory.themePath = catalog.themePath(inventory.set.themeID);
     const QList<CatalogInventoryPartResult> rows = catalog.inventoryParts(number);
     inventory.rows = rows.size();
+    // As the sync reads them: every part and colour of the inventory in a few statements.
+    QStringList partNumbers;
+    QList<int> colorIDs;
+    for (const CatalogInventoryPartResult &row : rows) {
+        partNumbers.append(row.partNum);
+        colorIDs.append(row.colorID);
+    }
+    partNumbers.removeDuplicates();
+    colorIDs = QSet<int>(colorIDs.cbegin(), colorIDs.cend()).values();
+    const QHash<QString, CatalogPartResult> catalogParts = catalog.parts(partNumbers);
+    const QHash<int, CatalogColorResult> catalogColors = catalog.colors(colorIDs);
     QHash<QString, qsizetype> partIndex;
     QHash<int, qsizetype> colorIndex;
     QHash<std::pair<qsizetype, qsizetype>, qsizetype> lineIndex;
     for (const CatalogInventoryPartResult &row : rows) {
         if (!partIndex.contains(row.partNum)) {
-            const auto part = catalog.part(row.partNum);
+            const auto part = catalogParts.constFind(row.partNum);
             partIndex.insert(row.partNum, inventory.parts.size());
-            inventory.parts.append({row.partNum, part ? part->name : row.partNum});
+            inventory.parts.append({row.partNum, part != catalogParts.cend() ? part->name : row.partNum});
         }
         if (!colorIndex.contains(row.colorID)) {
             colorIndex.insert(row.colorID, inventory.colors.size());
-            inventory.colors.append(catalog.color(row.colorID).value_or(
-                CatalogColorResult{row.colorID, u"Unknown"_s, u"000000"_s, false}));
+            inventory.colors.append(catalogColors.value(
+                row.colorID, CatalogColorResult{row.colorID, u"Unknown"_s, u"000000"_s, false}));
         }
         const std::pair<qsizetype, qsizetype> key(partIndex.value(row.partNum), colorIndex.value(row.colorID));
         if (!lineIndex.contains(key)) {
