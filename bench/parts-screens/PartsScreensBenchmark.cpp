@@ -208,7 +208,7 @@ int main(int argc, char *argv[])
         PartsChecklistViewModel model(copy, context);
         QElapsedTimer timer;
         timer.start();
-        model.loadItems();
+        model.loadItemsInBackground();
         longestStepUntil([&model] { return !model.isLoading(); });
         viewModelLoad.values.append(double(timer.nsecsElapsed()) / 1e6);
         lines = model.items().size();

@@ -196,11 +196,8 @@ PartsChecklistViewModel::LoadedItems PartsChecklistViewModel::readItems(const Re
     return loaded;
 }
 
-void PartsChecklistViewModel::loadItems()
+std::optional<PartsChecklistViewModel::LoadSource> PartsChecklistViewModel::loadSource()
 {
-    const quint64 generation = ++m_loadGeneration;
-    setLoading(true);
-
     std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
     std::optional<CatalogSet> catalogSet;
     if (catalog && m_brickSet.catalogSet) {
@@ -210,8 +207,30 @@ void PartsChecklistViewModel::loadItems()
             qCWarning(lcPersistence) << "Reading the catalog set of a checklist failed:" << error.description();
         }
     }
-    if (!catalog || !catalogSet) {
+    if (!catalog || !catalogSet)
+        return std::nullopt;
+    return LoadSource{std::move(catalog), catalogSet->setNumber.value_or(QString())};
+}
+
+void PartsChecklistViewModel::loadItems()
+{
+    ++m_loadGeneration; // a background load still running lands nothing
+    setLoading(true);
+    const std::optional<LoadSource> source = loadSource();
+    if (!source) {
         // Nothing to read: the rows stay as they were and the screen shows what it has.
+        setLoading(false);
+        return;
+    }
+    finishLoad(readItems(*source->catalog, source->setNumber));
+}
+
+void PartsChecklistViewModel::loadItemsInBackground()
+{
+    const quint64 generation = ++m_loadGeneration;
+    setLoading(true);
+    std::optional<LoadSource> source = loadSource();
+    if (!source) {
         setLoading(false);
         return;
     }
@@ -223,9 +242,8 @@ void PartsChecklistViewModel::loadItems()
             return; // a later load replaced this one
         finishLoad(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run([catalog = std::move(catalog), setNumber = catalogSet->setNumber.value_or(QString())] {
-        return readItems(*catalog, setNumber);
-    }));
+    watcher->setFuture(QtConcurrent::run(
+        [source = std::move(*source)] { return readItems(*source.catalog, source.setNumber); }));
 }
 
 void PartsChecklistViewModel::finishLoad(LoadedItems loaded)

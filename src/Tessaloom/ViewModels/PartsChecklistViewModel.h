@@ -23,10 +23,11 @@ class RebrickableCatalog;
 // its count falls back to zero, so a copy with nothing ticked has no rows at all and the
 // checklist works for a set whose parts were never synchronised.
 //
-// loadItems() reads the catalog on QtConcurrent's global pool (the catalog answers one
-// statement at a time under its lock, which a long search elsewhere may hold) and lands
-// the rows and the stored counts on the main thread; isLoading() is true from creation
-// until the first load has landed. Every user action that changes counts saves the view
+// loadItems() reads the catalog where it is called and returns with the rows in place;
+// the checklist window calls loadItemsInBackground() instead, which reads on QtConcurrent's
+// global pool (the largest inventory takes some 50 ms) and lands the rows and the stored
+// counts on the main thread, so the window paints at once. isLoading() is true from
+// creation until the first load has landed. Every user action that changes counts saves the view
 // context once; a failed save is dropped, and its changes go out with the next one.
 //
 // The owned counts live in store values the screens do not watch, so each change of a
@@ -91,9 +92,13 @@ public:
     const QHash<QString, PartInventoryEntry> &entriesByKey() const { return m_entriesByKey; }
 
     // --- Operations
-    // Reads the rows from the shared catalog and the counts from the store. Without a
-    // catalog, or for a copy without a catalog set, the rows stay as they were.
+    // Reads the rows from the shared catalog and the counts from the store, and returns
+    // when they are in place. Without a catalog, or for a copy without a catalog set, the
+    // rows stay as they were.
     void loadItems();
+    // The same, with the catalog read on the pool: returns at once, and the rows land on
+    // the main thread later. A later load, of either kind, replaces one still running.
+    void loadItemsInBackground();
     // One more or one fewer of `item`; a count never rises above the item's quantity and
     // a count of zero leaves no entry.
     void increment(const ChecklistItem &item);
@@ -150,6 +155,13 @@ private:
         QList<ItemKeys> keys;
     };
     static LoadedItems readItems(const RebrickableCatalog &catalog, const QString &setNumber);
+    struct LoadSource
+    {
+        std::shared_ptr<RebrickableCatalog> catalog;
+        QString setNumber;
+    };
+    // What a load reads from, or nothing (the load then ends at once, rows unchanged).
+    std::optional<LoadSource> loadSource();
     void finishLoad(LoadedItems loaded);
     void setLoading(bool loading);
     void saveAfterAction();

@@ -80,7 +80,7 @@ void PartsChecklistWindow::showEvent(QShowEvent *event)
     // The rows are read when the window first appears, not when it is made.
     if (m_viewModel && !m_hasAppeared) {
         m_hasAppeared = true;
-        m_viewModel->loadItems();
+        m_viewModel->loadItemsInBackground();
     }
 }
 
