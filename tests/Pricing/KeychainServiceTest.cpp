@@ -7,6 +7,7 @@
 // run-with-secret-service.sh sets the run up; see Keychain.cmake.
 
 #include "EnglishTexts.h"
+#include "SecretStoreDirectly.h"
 #include "Services/KeychainService.h"
 
 #include "LogCapture.h"
@@ -29,6 +30,7 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using namespace SecretStoreDirectly;
 using KeychainError = KeychainService::KeychainError;
 using KeychainKey = KeychainService::KeychainKey;
 
@@ -36,44 +38,6 @@ namespace {
 
 // What QtKeychain reports when the session bus cannot be reached (OtherError).
 constexpr qint32 noSessionBusStatus = -2070;
-
-// The store seen from outside the service, as another program or an earlier version of
-// this one would write and read it.
-QKeychain::Error runDirectly(QKeychain::Job &job)
-{
-    job.setAutoDelete(false);
-    job.setInsecureFallback(false);
-    QSignalSpy finished(&job, &QKeychain::Job::finished);
-    job.start();
-    if (finished.isEmpty())
-        finished.wait(30000);
-    return finished.isEmpty() ? QKeychain::OtherError : job.error();
-}
-
-QKeychain::Error writeDirectly(const QString &account, const QByteArray &bytes)
-{
-    QKeychain::WritePasswordJob job(u"com.tessaloom.app"_s);
-    job.setKey(account);
-    job.setBinaryData(bytes);
-    return runDirectly(job);
-}
-
-QKeychain::Error deleteDirectly(const QString &account)
-{
-    QKeychain::DeletePasswordJob job(u"com.tessaloom.app"_s);
-    job.setKey(account);
-    return runDirectly(job);
-}
-
-// The bytes of the item, or absent when there is none.
-std::optional<QByteArray> readDirectly(const QString &account)
-{
-    QKeychain::ReadPasswordJob job(u"com.tessaloom.app"_s);
-    job.setKey(account);
-    if (runDirectly(job) != QKeychain::NoError)
-        return std::nullopt;
-    return job.binaryData();
-}
 
 // QCoro::waitFor() never returns when the awaited task throws (its event loop is left
 // running), so failures are caught inside a coroutine and handed out as values.

@@ -8,6 +8,7 @@
 // Keychain.cmake.
 #include "BrickEconomyAdapter.h"
 #include "EnglishTexts.h"
+#include "SecretStoreDirectly.h"
 #include "Services/KeychainService.h"
 #include "Services/PricingProviderRegistry.h"
 #include "TaskOutcome.h"
@@ -19,46 +20,12 @@
 #include <qt6keychain/keychain.h>
 
 using namespace Qt::StringLiterals;
+using namespace SecretStoreDirectly;
 using KeychainKey = KeychainService::KeychainKey;
 using CredentialSource = PricingProviderRegistry::CredentialSource;
 
 namespace {
 
-// The store seen from outside the service, as an earlier version of the program wrote it.
-QKeychain::Error runDirectly(QKeychain::Job &job)
-{
-    job.setAutoDelete(false);
-    job.setInsecureFallback(false);
-    QSignalSpy finished(&job, &QKeychain::Job::finished);
-    job.start();
-    if (finished.isEmpty())
-        finished.wait(30000);
-    return finished.isEmpty() ? QKeychain::OtherError : job.error();
-}
-
-QKeychain::Error writeDirectly(const QString &account, const QString &value)
-{
-    QKeychain::WritePasswordJob job(u"com.tessaloom.app"_s);
-    job.setKey(account);
-    job.setBinaryData(value.toUtf8());
-    return runDirectly(job);
-}
-
-QKeychain::Error deleteDirectly(const QString &account)
-{
-    QKeychain::DeletePasswordJob job(u"com.tessaloom.app"_s);
-    job.setKey(account);
-    return runDirectly(job);
-}
-
-std::optional<QString> readDirectly(const QString &account)
-{
-    QKeychain::ReadPasswordJob job(u"com.tessaloom.app"_s);
-    job.setKey(account);
-    if (runDirectly(job) != QKeychain::NoError)
-        return std::nullopt;
-    return QString::fromUtf8(job.binaryData());
-}
 
 // Every account a test here uses, cleared before each test.
 const QStringList usedAccounts{
@@ -138,10 +105,10 @@ private Q_SLOTS:
             QCOMPARE(read(loader, u"consumer_key"_s), std::nullopt);
             return;
         }
-        QCOMPARE(writeDirectly(u"bricklink_consumer_key"_s, u"legacy-consumer-key"_s), QKeychain::NoError);
+        QCOMPARE(writeDirectly(u"bricklink_consumer_key"_s, "legacy-consumer-key"), QKeychain::NoError);
 
         QCOMPARE(read(loader, u"consumer_key"_s), std::optional<QString>(u"legacy-consumer-key"_s));
-        QCOMPARE(readDirectly(u"bricklink_consumer_key"_s), std::optional<QString>(u"legacy-consumer-key"_s));
+        QCOMPARE(readDirectly(u"bricklink_consumer_key"_s), std::optional<QByteArray>("legacy-consumer-key"));
         QCOMPARE(readDirectly(u"pricing.bricklink.consumer_key"_s), std::nullopt);
     }
 
@@ -153,7 +120,7 @@ private Q_SLOTS:
             QCOMPARE(read(loader, u"token_secret"_s), std::nullopt);
             return;
         }
-        QCOMPARE(writeDirectly(u"bricklink_token_secret"_s, u"legacy-token-secret"_s), QKeychain::NoError);
+        QCOMPARE(writeDirectly(u"bricklink_token_secret"_s, "legacy-token-secret"), QKeychain::NoError);
         save(service, QString(), u"pricing.bricklink.token_secret"_s);
         QCOMPARE(read(loader, u"token_secret"_s), std::optional<QString>(u"legacy-token-secret"_s));
     }
@@ -166,9 +133,9 @@ private Q_SLOTS:
             QCOMPARE(read(loader, u"api_key"_s), std::nullopt);
             return;
         }
-        QCOMPARE(writeDirectly(u"brickset_api_key"_s, u"legacy-brickset"_s), QKeychain::NoError);
+        QCOMPARE(writeDirectly(u"brickset_api_key"_s, "legacy-brickset"), QKeychain::NoError);
         QCOMPARE(read(loader, u"api_key"_s), std::optional<QString>(u"legacy-brickset"_s));
-        QCOMPARE(readDirectly(u"brickset_api_key"_s), std::optional<QString>(u"legacy-brickset"_s));
+        QCOMPARE(readDirectly(u"brickset_api_key"_s), std::optional<QByteArray>("legacy-brickset"));
         QCOMPARE(readDirectly(u"pricing.brickset.api_key"_s), std::nullopt);
     }
 
