@@ -11,20 +11,23 @@
 //          baseline "joinBaseline": the same field texts, already escaped and formatted,
 //          joined with commas and line feeds and turned into UTF-8 (what is left of
 //          writing once every value has its text).
-// Each figure is the median of --runs runs (default 5). The exit status is 1 when reading
-// or writing either file is slower than 50 MB/s.
+// Each figure is the median of --runs runs (default 5), in wall time and in the thread's CPU
+// time. The machine is shared, so the exit status follows CPU time: it is 1 when reading or
+// writing either file runs below 50 MB/s of CPU time (or a check of the figures fails).
 #include "BenchmarkOutput.h"
 
 #include "CSVCodec.h"
 #include "CSVValueFormat.h"
 
 #include <QCoreApplication>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QRandomGenerator>
 
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <ctime>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -96,13 +99,31 @@ double median(QList<double> samples)
     return BenchmarkOutput::percentile(std::move(samples), 0.5);
 }
 
-// The median time of `runs` runs of `work`, in milliseconds.
-double medianMilliseconds(int runs, const std::function<void()> &work)
+// CPU time of this thread in milliseconds: on a machine shared with other builds it stays
+// put where wall time grows with the load.
+double threadCpuMilliseconds()
 {
-    QList<double> samples;
-    for (int run = 0; run < runs; ++run)
-        samples.append(BenchmarkOutput::milliseconds(work));
-    return median(samples);
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
+}
+
+struct Timing
+{
+    double wallMs = 0; // median of the runs
+    double cpuMs = 0;  // median of the runs
+};
+
+Timing measure(int runs, const std::function<void()> &work)
+{
+    QList<double> wall;
+    QList<double> cpu;
+    for (int run = 0; run < runs; ++run) {
+        const double cpuBefore = threadCpuMilliseconds();
+        wall.append(BenchmarkOutput::milliseconds(work));
+        cpu.append(threadCpuMilliseconds() - cpuBefore);
+    }
+    return {median(wall), median(cpu)};
 }
 
 double megabytesPerSecond(qsizetype bytes, double milliseconds)
@@ -113,23 +134,52 @@ double megabytesPerSecond(qsizetype bytes, double milliseconds)
 // Keeps a result alive so the compiler cannot drop the work that made it.
 volatile qsizetype sink = 0;
 
+// The figures of one operation on one file beside its baselines, all on the same bytes.
+QJsonObject figures(const QString &file, const QString &operation, qsizetype bytes, const Timing &timing,
+                    const QList<std::pair<QString, Timing>> &baselines)
+{
+    const double wallSpeed = megabytesPerSecond(bytes, timing.wallMs);
+    const double cpuSpeed = megabytesPerSecond(bytes, timing.cpuMs);
+    QJsonObject result{
+        {u"benchmark"_s, u"csv-codec"_s},
+        {u"file"_s, file},
+        {u"operation"_s, operation},
+        {u"megabytes"_s, double(bytes) / megabyte},
+        {u"medianMs"_s, timing.wallMs},
+        {u"medianCpuMs"_s, timing.cpuMs},
+        {u"megabytesPerSecond"_s, wallSpeed},
+        {u"megabytesPerSecondCpu"_s, cpuSpeed},
+        {u"targetMegabytesPerSecond"_s, targetMegabytesPerSecond},
+        {u"targetMet"_s, wallSpeed >= targetMegabytesPerSecond},
+        {u"targetMetOnCpuTime"_s, cpuSpeed >= targetMegabytesPerSecond},
+    };
+    for (const auto &[name, baseline] : baselines) {
+        result.insert(name + u"Ms"_s, baseline.wallMs);
+        result.insert(name + u"CpuMs"_s, baseline.cpuMs);
+        result.insert(name + u"MegabytesPerSecond"_s, megabytesPerSecond(bytes, baseline.wallMs));
+        result.insert(name + u"MegabytesPerSecondCpu"_s, megabytesPerSecond(bytes, baseline.cpuMs));
+        result.insert(u"cpuRatioTo"_s + name.front().toUpper() + name.mid(1), baseline.cpuMs > 0 ? timing.cpuMs / baseline.cpuMs : 0);
+    }
+    return result;
+}
+
 QJsonObject measureRead(const QString &file, const QByteArray &bytes, qsizetype expectedRecords, int runs)
 {
     qsizetype records = 0;
     qsizetype errors = 0;
-    const double readMs = medianMilliseconds(runs, [&] {
+    const Timing read = measure(runs, [&] {
         const CSVCodec::DecodeResult result = CSVCodec::decode(CSVFieldSyntax::textFromUtf8(bytes));
         records = result.records.size();
         errors = result.errors.size();
     });
-    const double splitMs = medianMilliseconds(runs, [&] {
+    const Timing split = measure(runs, [&] {
         qsizetype fields = 0;
         const QList<QByteArray> lines = bytes.split('\n');
         for (const QByteArray &line : lines)
             fields += line.split(',').size();
         sink = fields;
     });
-    const double scanMs = medianMilliseconds(runs, [&] {
+    const Timing scan = measure(runs, [&] {
         qsizetype separators = 0;
         for (const char wanted : {'\n', ','}) {
             const char *position = bytes.constData();
@@ -141,30 +191,17 @@ QJsonObject measureRead(const QString &file, const QByteArray &bytes, qsizetype 
         }
         sink = separators;
     });
-    const double speed = megabytesPerSecond(bytes.size(), readMs);
-    return QJsonObject{
-        {u"benchmark"_s, u"csv-codec"_s},
-        {u"file"_s, file},
-        {u"operation"_s, u"read"_s},
-        {u"records"_s, double(records)},
-        {u"recordsAsExpected"_s, records == expectedRecords && errors == 0},
-        {u"megabytes"_s, double(bytes.size()) / megabyte},
-        {u"medianMs"_s, readMs},
-        {u"megabytesPerSecond"_s, speed},
-        {u"splitBaselineMs"_s, splitMs},
-        {u"splitBaselineMegabytesPerSecond"_s, megabytesPerSecond(bytes.size(), splitMs)},
-        {u"ratioToSplitBaseline"_s, splitMs > 0 ? readMs / splitMs : 0},
-        {u"memchrScanMs"_s, scanMs},
-        {u"memchrScanMegabytesPerSecond"_s, megabytesPerSecond(bytes.size(), scanMs)},
-        {u"targetMegabytesPerSecond"_s, targetMegabytesPerSecond},
-        {u"targetMet"_s, speed >= targetMegabytesPerSecond},
-    };
+    QJsonObject result = figures(file, u"read"_s, bytes.size(), read,
+                                 {{u"splitBaseline"_s, split}, {u"memchrScan"_s, scan}});
+    result.insert(u"records"_s, double(records));
+    result.insert(u"recordsAsExpected"_s, records == expectedRecords && errors == 0);
+    return result;
 }
 
 QJsonObject measureWrite(const QString &file, const QList<InventoryRecord> &records, int runs, QByteArray *written)
 {
     QByteArray bytes;
-    const double writeMs = medianMilliseconds(runs, [&] { bytes = CSVCodec::encode(records).toUtf8(); });
+    const Timing write = measure(runs, [&] { bytes = CSVCodec::encode(records).toUtf8(); });
 
     // The baseline's input: every field of the same file as its finished text.
     QList<QStringList> lines;
@@ -176,7 +213,7 @@ QJsonObject measureWrite(const QString &file, const QList<InventoryRecord> &reco
         lines.append(line.split(u','));
     }
     QByteArray joined;
-    const double joinMs = medianMilliseconds(runs, [&] {
+    const Timing join = measure(runs, [&] {
         QString text;
         text.reserve(bytes.size());
         for (qsizetype index = 0; index < lines.size(); ++index) {
@@ -191,23 +228,13 @@ QJsonObject measureWrite(const QString &file, const QList<InventoryRecord> &reco
         }
         joined = text.toUtf8();
     });
-    const double speed = megabytesPerSecond(bytes.size(), writeMs);
     *written = bytes;
-    return QJsonObject{
-        {u"benchmark"_s, u"csv-codec"_s},
-        {u"file"_s, file},
-        {u"operation"_s, u"write"_s},
-        {u"records"_s, double(records.size())},
-        {u"megabytes"_s, double(bytes.size()) / megabyte},
-        {u"medianMs"_s, writeMs},
-        {u"megabytesPerSecond"_s, speed},
-        {u"joinBaselineMs"_s, joinMs},
-        {u"joinBaselineMegabytesPerSecond"_s, megabytesPerSecond(joined.size(), joinMs)},
-        {u"joinBaselineSameBytes"_s, joined == bytes},
-        {u"ratioToJoinBaseline"_s, joinMs > 0 ? writeMs / joinMs : 0},
-        {u"targetMegabytesPerSecond"_s, targetMegabytesPerSecond},
-        {u"targetMet"_s, speed >= targetMegabytesPerSecond},
-    };
+    QJsonObject result = figures(file, u"write"_s, bytes.size(), write, {{u"joinBaseline"_s, join}});
+    result.insert(u"records"_s, double(records.size()));
+    // Splitting a quoted comma and joining again gives it back: the same bytes, or the
+    // baseline measured something else.
+    result.insert(u"joinBaselineSameBytes"_s, joined == bytes);
+    return result;
 }
 
 } // namespace
@@ -231,7 +258,7 @@ int main(int argc, char *argv[])
     bool everyTargetMet = true;
     const auto report = [&](const QJsonObject &figures) {
         BenchmarkOutput::print(figures);
-        everyTargetMet = everyTargetMet && figures[u"targetMet"_s].toBool()
+        everyTargetMet = everyTargetMet && figures[u"targetMetOnCpuTime"_s].toBool()
             && figures[u"recordsAsExpected"_s].toBool(true) && figures[u"joinBaselineSameBytes"_s].toBool(true);
     };
 
@@ -255,7 +282,7 @@ int main(int argc, char *argv[])
         {u"benchmark"_s, u"csv-codec"_s},
         {u"summary"_s, true},
         {u"targetMegabytesPerSecond"_s, targetMegabytesPerSecond},
-        {u"everyTargetMet"_s, everyTargetMet},
+        {u"everyTargetMetOnCpuTime"_s, everyTargetMet},
     });
     return everyTargetMet ? 0 : 1;
 }

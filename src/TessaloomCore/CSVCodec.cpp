@@ -118,7 +118,7 @@ void appendInteger(QString &line, std::optional<qint64> value)
 {
     appendSeparator(line);
     if (value)
-        line.append(QString::number(*value));
+        CSVValueFormat::appendInteger(line, *value);
 }
 
 void appendDate(QString &line, const std::optional<QDateTime> &value)
@@ -227,7 +227,7 @@ QString CSVCodec::encode(const QList<InventoryRecord> &records)
 void CSVCodec::appendRecord(QString &line, const InventoryRecord &record, CSVFieldSyntax::LineEndQuoting quoting)
 {
     // The first field has no separator before it; every later append starts with one.
-    line.append(CSVValueFormat::uuidText(record.id));
+    CSVValueFormat::appendUuid(line, record.id);
     appendText(line, record.setNumber, quoting);
     appendText(line, record.setName, quoting);
     appendInteger(line, record.year);

@@ -69,4 +69,6 @@ public:
     // `set_number` adds "Line N: missing id or set_number", N counting the non-blank lines
     // from 1 for the header, and reading goes on.
     static DecodeResult decode(QStringView text);
+    // For texts that are built in place ("header + rows"), which do not turn into a view.
+    static DecodeResult decode(const QString &text) { return decode(QStringView(text)); }
 };

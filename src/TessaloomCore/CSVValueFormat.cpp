@@ -78,7 +78,8 @@ int digitsAt(QStringView text, qsizetype position, int count)
     return value;
 }
 
-void appendDigits(QString &text, qint64 value, int width)
+// Writes `value` (not negative) in decimal with at least `width` digits; returns the end.
+char16_t *writeDigits(char16_t *out, quint64 value, int width)
 {
     char16_t digits[24];
     int count = 0;
@@ -89,7 +90,19 @@ void appendDigits(QString &text, qint64 value, int width)
     while (count < width)
         digits[count++] = u'0';
     while (count > 0)
-        text.append(QChar(digits[--count]));
+        *out++ = digits[--count];
+    return out;
+}
+
+int hexValue(char16_t unit)
+{
+    if (unit >= u'0' && unit <= u'9')
+        return unit - u'0';
+    if (unit >= u'a' && unit <= u'f')
+        return unit - u'a' + 10;
+    if (unit >= u'A' && unit <= u'F')
+        return unit - u'A' + 10;
+    return -1;
 }
 
 } // namespace
@@ -110,20 +123,24 @@ void CSVValueFormat::appendDate(QString &text, const QDateTime &date)
     const qint64 secondOfDay = seconds - days * secondsPerDay;
     const CivilDate civil = civilFromDays(days);
 
+    // Composed in place and appended once: a file has several dates on every line.
+    char16_t buffer[48];
+    char16_t *out = buffer;
     if (civil.year < 0)
-        text.append(u'-');
-    appendDigits(text, civil.year < 0 ? -civil.year : civil.year, 4);
-    text.append(u'-');
-    appendDigits(text, civil.month, 2);
-    text.append(u'-');
-    appendDigits(text, civil.day, 2);
-    text.append(u'T');
-    appendDigits(text, secondOfDay / 3600, 2);
-    text.append(u':');
-    appendDigits(text, secondOfDay / 60 % 60, 2);
-    text.append(u':');
-    appendDigits(text, secondOfDay % 60, 2);
-    text.append(u'Z');
+        *out++ = u'-';
+    out = writeDigits(out, civil.year < 0 ? -civil.year : civil.year, 4);
+    *out++ = u'-';
+    out = writeDigits(out, civil.month, 2);
+    *out++ = u'-';
+    out = writeDigits(out, civil.day, 2);
+    *out++ = u'T';
+    out = writeDigits(out, secondOfDay / 3600, 2);
+    *out++ = u':';
+    out = writeDigits(out, secondOfDay / 60 % 60, 2);
+    *out++ = u':';
+    out = writeDigits(out, secondOfDay % 60, 2);
+    *out++ = u'Z';
+    text.append(QStringView(buffer, out - buffer));
 }
 
 std::optional<QDateTime> CSVValueFormat::date(QStringView text)
@@ -222,21 +239,62 @@ std::optional<qint64> CSVValueFormat::integer(QStringView text)
     return value;
 }
 
+void CSVValueFormat::appendInteger(QString &text, qint64 value)
+{
+    char16_t buffer[24];
+    char16_t *out = buffer;
+    if (value < 0)
+        *out++ = u'-';
+    // Through the unsigned type so that the most negative value has a magnitude.
+    const quint64 magnitude = value < 0 ? quint64(0) - quint64(value) : quint64(value);
+    out = writeDigits(out, magnitude, 1);
+    text.append(QStringView(buffer, out - buffer));
+}
+
 QString CSVValueFormat::uuidText(const QUuid &id)
 {
-    return id.toString(QUuid::WithoutBraces).toUpper();
+    QString text;
+    appendUuid(text, id);
+    return text;
+}
+
+void CSVValueFormat::appendUuid(QString &text, const QUuid &id)
+{
+    static constexpr char16_t hexDigits[] = u"0123456789ABCDEF";
+    const QByteArray bytes = id.toRfc4122();
+    char16_t buffer[36];
+    char16_t *out = buffer;
+    for (int index = 0; index < 16; ++index) {
+        if (index == 4 || index == 6 || index == 8 || index == 10)
+            *out++ = u'-';
+        const auto byte = quint8(bytes.at(index));
+        *out++ = hexDigits[byte >> 4];
+        *out++ = hexDigits[byte & 0x0F];
+    }
+    text.append(QStringView(buffer, out - buffer));
 }
 
 std::optional<QUuid> CSVValueFormat::uuid(QStringView text)
 {
     if (text.size() != 36)
         return std::nullopt;
+    char bytes[16];
+    int nibbles = 0;
     for (qsizetype position = 0; position < text.size(); ++position) {
         const char16_t unit = text[position].unicode();
-        const bool dashPlace = position == 8 || position == 13 || position == 18 || position == 23;
-        if (dashPlace ? unit != u'-'
-                      : !(isDigit(unit) || (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F')))
+        if (position == 8 || position == 13 || position == 18 || position == 23) {
+            if (unit != u'-')
+                return std::nullopt;
+            continue;
+        }
+        const int value = hexValue(unit);
+        if (value < 0)
             return std::nullopt;
+        if (nibbles % 2 == 0)
+            bytes[nibbles / 2] = char(value << 4);
+        else
+            bytes[nibbles / 2] = char(bytes[nibbles / 2] | value);
+        ++nibbles;
     }
-    return QUuid::fromString(text);
+    return QUuid::fromRfc4122(QByteArrayView(bytes, 16));
 }

@@ -47,11 +47,14 @@ public:
     // True when `text` is exactly "true" or "1" (case matters: "TRUE" is false).
     static bool boolean(QStringView text) { return text == u"true" || text == u"1"; }
 
+    // Decimal digits, with "-" when negative.
+    static void appendInteger(QString &text, qint64 value);
     // An optional "+" or "-" and ASCII digits, within 64 bits; nothing otherwise.
     static std::optional<qint64> integer(QStringView text);
 
     // Upper-case canonical form with dashes ("8D5B2C4E-0F1A-4B7C-9E3D-2A6F1B0C9D8E").
     static QString uuidText(const QUuid &id);
+    static void appendUuid(QString &text, const QUuid &id);
     // The 36-character canonical form with dashes, hex digits in either case; braces,
     // missing dashes or any other length give nothing.
     static std::optional<QUuid> uuid(QStringView text);
