@@ -6,6 +6,7 @@
 #include "Store/PersistentContainer.h"
 #include "Store/StoreChanges.h"
 #include "Store/StoreError.h"
+#include "ViewModels/CollectionUndoStack.h"
 #include "ViewModels/DebouncedSettingWriter.h"
 #include "ViewModels/DetailColumnRule.h"
 #include "ViewModels/SetListViewModel.h"
@@ -41,6 +42,7 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     , m_container(container)
     , m_sidebarViewModel(std::make_unique<SidebarViewModel>(container.viewContext(), catalogService))
     , m_listViewModel(std::make_unique<SetListViewModel>(container))
+    , m_undoStack(new CollectionUndoStack(container.viewContext(), this))
     , m_splitter(new QSplitter(Qt::Horizontal, this))
     , m_sidebar(new SidebarView(*m_sidebarViewModel, m_splitter))
     , m_middleColumn(new QStackedWidget(m_splitter))

@@ -10,6 +10,7 @@
 #include <optional>
 
 class CatalogDatabaseService;
+class CollectionUndoStack;
 class DebouncedSettingWriter;
 class EmptyStateView;
 class PersistentContainer;
@@ -46,6 +47,8 @@ public:
     SetListView *setListView() const { return m_setListView; }
     ThemeBrowserView *themeBrowser() const { return m_themeBrowser; }
     SidebarViewModel &sidebarViewModel() const { return *m_sidebarViewModel; }
+    // What the user can take back: adds, moves to the trash, restores.
+    CollectionUndoStack &undoStack() const { return *m_undoStack; }
     SetListViewModel &listViewModel() const { return *m_listViewModel; }
     // Ctrl+F: the keyboard to the list's search field.
     QAction *findAction() const { return m_findAction; }
@@ -76,6 +79,7 @@ private:
     PersistentContainer &m_container;
     std::unique_ptr<SidebarViewModel> m_sidebarViewModel;
     std::unique_ptr<SetListViewModel> m_listViewModel;
+    CollectionUndoStack *m_undoStack;
     QSplitter *m_splitter;
     SidebarView *m_sidebar;
     QStackedWidget *m_middleColumn;

@@ -8,6 +8,8 @@
 #include "Views/PartsChecklistWindowGroup.h"
 #include "Views/SetListView.h"
 #include "Views/SampleCatalogNotice.h"
+#include "Views/UndoStatusNotice.h"
+#include "ViewModels/CollectionUndoStack.h"
 
 #include <QAction>
 #include <QApplication>
@@ -21,6 +23,7 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTimer>
+#include <QUndoStack>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -37,6 +40,7 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
     , m_contentView(new ContentView(container, catalogService))
     , m_sampleCatalogNotice(new SampleCatalogNotice(catalogService))
     , m_catalogStatusIndicator(new CatalogStatusIndicator(catalogService, statusBar()))
+    , m_undoNotice(new UndoStatusNotice(m_contentView->undoStack(), statusBar()))
     , m_partsChecklistWindows(new PartsChecklistWindowGroup(container.viewContext(), this, this))
 {
     setObjectName(u"mainWindow"_s);
@@ -54,6 +58,7 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
     buildMenus();
     connect(m_contentView->setListView(), &SetListView::partsChecklistRequested, this,
             &MainWindow::openPartsChecklist);
+    statusBar()->addWidget(m_undoNotice, 1);
     statusBar()->setSizeGripEnabled(true);
     resize(1200, 760);
     restoreWindowState();
@@ -73,6 +78,8 @@ void MainWindow::buildMenus()
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
 
+    buildEditMenu();
+
     //% "&Help"
     QMenu *helpMenu = menuBar()->addMenu(qtTrId("menu.help"));
     //% "About Tessaloom"
@@ -86,6 +93,47 @@ void MainWindow::buildMenus()
     m_checkForUpdatesAction->setEnabled(m_updateService.canCheckForUpdates());
     connect(&m_updateService, &AppUpdateService::canCheckForUpdatesChanged,
             m_checkForUpdatesAction, &QAction::setEnabled);
+}
+
+void MainWindow::buildEditMenu()
+{
+    CollectionUndoStack &undoStack = m_contentView->undoStack();
+    QUndoStack *stack = undoStack.stack();
+    //% "&Edit"
+    QMenu *editMenu = menuBar()->addMenu(qtTrId("menu.edit"));
+
+    // Our own actions rather than QUndoStack's, so that an undo goes through the collection's
+    // stack and the status bar hears of it. A text field with the focus keeps Ctrl+Z for its
+    // own typing.
+    //% "&Undo"
+    m_undoAction = editMenu->addAction(qtTrId("menu.undo"), &undoStack, &CollectionUndoStack::undo);
+    m_undoAction->setShortcut(QKeySequence::Undo);
+    m_undoAction->setEnabled(stack->canUndo());
+    connect(stack, &QUndoStack::canUndoChanged, m_undoAction, &QAction::setEnabled);
+    const auto nameUndo = [this](const QString &text) {
+        if (text.isEmpty()) {
+            m_undoAction->setText(qtTrId("menu.undo"));
+            return;
+        }
+        //% "&Undo %1"
+        m_undoAction->setText(qtTrId("menu.undo.named.").arg(text));
+    };
+    connect(stack, &QUndoStack::undoTextChanged, this, nameUndo);
+
+    //% "&Redo"
+    m_redoAction = editMenu->addAction(qtTrId("menu.redo"), stack, &QUndoStack::redo);
+    m_redoAction->setShortcuts({QKeySequence::Redo, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    m_redoAction->setEnabled(stack->canRedo());
+    connect(stack, &QUndoStack::canRedoChanged, m_redoAction, &QAction::setEnabled);
+    const auto nameRedo = [this](const QString &text) {
+        if (text.isEmpty()) {
+            m_redoAction->setText(qtTrId("menu.redo"));
+            return;
+        }
+        //% "&Redo %1"
+        m_redoAction->setText(qtTrId("menu.redo.named.").arg(text));
+    };
+    connect(stack, &QUndoStack::redoTextChanged, this, nameRedo);
 }
 
 QCoro::Task<> MainWindow::checkForUpdates()

@@ -15,6 +15,7 @@ class PartsChecklistWindowGroup;
 class PersistentContainer;
 class QAction;
 class SampleCatalogNotice;
+class UndoStatusNotice;
 
 // The main window: menus, status bar, the sample-catalog notice and the three-column
 // ContentView. It remembers its geometry and column widths between launches.
@@ -30,6 +31,10 @@ public:
     SampleCatalogNotice *sampleCatalogNotice() const { return m_sampleCatalogNotice; }
     CatalogStatusIndicator *catalogStatusIndicator() const { return m_catalogStatusIndicator; }
     QAction *checkForUpdatesAction() const { return m_checkForUpdatesAction; }
+    // Edit → Undo and Redo of the collection's changes (Ctrl+Z, Ctrl+Shift+Z).
+    QAction *undoAction() const { return m_undoAction; }
+    QAction *redoAction() const { return m_redoAction; }
+    UndoStatusNotice *undoNotice() const { return m_undoNotice; }
     PartsChecklistWindowGroup *partsChecklistWindows() const { return m_partsChecklistWindows; }
 
     // Opens the parts checklist window of the copy `brickSet`, or brings its open window
@@ -46,6 +51,7 @@ protected:
 
 private:
     void buildMenus();
+    void buildEditMenu();
     void restoreWindowState();
     void saveWindowState() const;
     QCoro::Task<> checkForUpdates();
@@ -56,6 +62,9 @@ private:
     SampleCatalogNotice *m_sampleCatalogNotice;
     CatalogStatusIndicator *m_catalogStatusIndicator;
     QAction *m_checkForUpdatesAction = nullptr;
+    QAction *m_undoAction = nullptr;
+    QAction *m_redoAction = nullptr;
+    UndoStatusNotice *m_undoNotice;
     PartsChecklistWindowGroup *m_partsChecklistWindows;
     bool m_hasAppeared = false;
 };

@@ -774,5 +774,61 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Failed to build API request URL.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="undo.action.addToCollection">
+        <source>Add to Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.addedToCollection.">
+        <source>Added %1 to the collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.action.moveToTrash">
+        <source>Move to Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.movedToTrash.">
+        <source>Moved %1 to the trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.action.restore">
+        <source>Restore from Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.restored.">
+        <source>Restored %1 from the trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.edit">
+        <source>&amp;Edit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.undo">
+        <source>&amp;Undo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.undo.named.">
+        <source>&amp;Undo %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.redo">
+        <source>&amp;Redo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.redo.named.">
+        <source>&amp;Redo %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.link">
+        <source>Undo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.accessible.">
+        <source>%1. Press Ctrl+Z to undo.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.undone.">
+        <source>Undone: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
