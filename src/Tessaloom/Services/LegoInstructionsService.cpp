@@ -121,9 +121,8 @@ struct GraphQLResponse
 const QString requestPath = u"/api/graphql/getBuildingInstructionsForSet"_s;
 const QString operationName = u"getBuildingInstructionsForSet"_s;
 
-// Sent as it stands, line feeds and indentation included: the endpoint is LEGO's own
-// website backend, and a query in exactly the shape its pages send is the least likely
-// to be turned away.
+// Sent exactly as written, line feeds and indentation included, so that every request
+// carries the same bytes; reformatting it would change what the endpoint receives.
 const QString graphQLQuery = u"query getBuildingInstructionsForSet($setNumber: String!) {\n"
                              u"    customerService {\n"
                              u"        getBuildingInstructionsForSet(setNumber: $setNumber) {\n"
