@@ -70,6 +70,11 @@ public:
     void setRequestTimeoutForTesting(std::chrono::milliseconds timeout);
 
 private:
+    // Sends the query for `bareSetNumber`: the body of a 2xx answer, or nothing (and the
+    // log line) for any other status or an answer that is not HTTP. Throws
+    // NetworkTransportError when no complete answer came.
+    QCoro::Task<std::optional<QByteArray>> post(QString bareSetNumber);
+
     std::unique_ptr<HTTPClient> m_client;
     std::unique_ptr<AsyncSemaphore> m_turn;
 };
