@@ -41,7 +41,9 @@ QCoro::Task<> waitUntilFinished(QNetworkReply *reply, std::stop_token stopToken)
 // never arrived whole.
 bool isStatusError(QNetworkReply::NetworkError error)
 {
-    return error == QNetworkReply::NoError
+    // Qt reports a 400 as an invalid protocol operation; a reply that is not HTTP at all is
+    // told apart afterwards by its missing status code.
+    return error == QNetworkReply::NoError || error == QNetworkReply::ProtocolInvalidOperationError
         || (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
         || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
 }

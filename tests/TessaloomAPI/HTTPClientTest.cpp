@@ -177,7 +177,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("status");
         QTest::addColumn<QByteArray>("body");
+        QTest::newRow("400") << 400 << QByteArray(R"({"message": "bad request"})");
         QTest::newRow("401") << 401 << QByteArray(R"({"message": "invalid token"})");
+        QTest::newRow("422") << 422 << QByteArray(R"({"message": "unprocessable"})");
         QTest::newRow("429") << 429 << QByteArray(R"({"message": "rate limit exceeded"})");
         QTest::newRow("500") << 500 << QByteArray("<html><body>Internal Server Error</body></html>");
         QTest::newRow("503") << 503 << QByteArray("try later");
