@@ -774,6 +774,54 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Failed to build API request URL.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="catalog.detail.inCollection">
+        <source>In Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.detail.viewInCollection">
+        <source>View in Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.detail.addToCollection">
+        <source>Add to Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.detail.addingSet">
+        <source>Adding Set…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.detail.showPicture">
+        <source>Show the picture larger</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.detail.pieces ">
+        <source>%1 pieces</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.setImage.">
+        <source>Picture of %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.detail.removeFromWishlist">
+        <source>Remove from Wishlist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="catalog.detail.addToWishlist">
+        <source>Add to Wishlist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="instructions.title">
+        <source>Building Instructions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="instructions.loading">
+        <source>Looking for instructions…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="instructions.viewOnLego">
+        <source>View on LEGO.com</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="undo.action.addToCollection">
         <source>Add to Collection</source>
         <translation type="unfinished"></translation>
