@@ -157,7 +157,7 @@ private Q_SLOTS:
         view().showCatalogSet(falcon());
         QCOMPARE(block().viewOnLegoButton()->text(), u"View on LEGO.com"_s);
         QTest::mouseClick(block().viewOnLegoButton(), Qt::LeftButton);
-        QCOMPARE(m_opened, QList<QUrl>{QUrl(u"https://www.lego.com/en-au/service/building-instructions/75192"_s)});
+        QCOMPARE(m_opened, QList<QUrl>{QUrl(u"https://www.lego.com/en-au/service/building-instructions/75192-1"_s)});
     }
 
     void viewOnLegoFollowsTheLegoHostOfTheEndpoints()
@@ -165,7 +165,7 @@ private Q_SLOTS:
         qputenv("TESSALOOM_ENDPOINTS", "lego=http://127.0.0.1:8123/mirror");
         const QUrl url = CatalogSetInstructionsView::viewOnLegoUrl(u"10305-1"_s);
         qputenv("TESSALOOM_ENDPOINTS", "");
-        QCOMPARE(url, QUrl(u"http://127.0.0.1:8123/mirror/en-au/service/building-instructions/10305"_s));
+        QCOMPARE(url, QUrl(u"http://127.0.0.1:8123/mirror/en-au/service/building-instructions/10305-1"_s));
     }
 
     void clickingABookletOpensItsPdf()

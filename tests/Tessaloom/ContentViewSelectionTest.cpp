@@ -14,6 +14,7 @@
 #include "Views/EmptyStateView.h"
 #include "Views/SetGridView.h"
 #include "Views/SetListView.h"
+#include "Views/CatalogSetDetailView.h"
 #include "Views/SetPreviewView.h"
 #include "Views/ThemeBrowserView.h"
 #include "Views/TranslationLoader.h"
@@ -24,6 +25,7 @@
 #include <QSettings>
 #include <QStackedWidget>
 #include <QTemporaryDir>
+#include <QLabel>
 #include <QTest>
 #include <QThreadPool>
 
@@ -196,8 +198,10 @@ private Q_SLOTS:
         list().setSearchText(u"falcon"_s);
         QTRY_COMPARE(content().selectedCatalogSet().has_value(), true);
         QCOMPARE(content().selectedCatalogSet()->setNum, u"75192-1"_s);
-        QVERIFY(showsPreviewOf(u"Millennium Falcon"_s));
-        QTRY_COMPARE(content().setPreview()->facts().first().second, u"Star Wars"_s);
+        CatalogSetDetailView *detail = content().catalogDetail();
+        QCOMPARE(content().detailColumn()->currentWidget(), detail);
+        QCOMPARE(detail->nameLabel()->text(), u"Millennium Falcon"_s);
+        QTRY_COMPARE(detail->themePath(), u"Star Wars"_s);
     }
 
     void theTrashShowsItsOwnEmptyStateAndATrashedCopy()

@@ -4,7 +4,6 @@
 #include "Endpoints.h"
 #include "Logging.h"
 #include "Services/ImageCacheService.h"
-#include "SetNumberNormalizer.h"
 #include "Views/InstructionBookletButton.h"
 #include "Views/SymbolIcon.h"
 
@@ -85,7 +84,7 @@ void CatalogSetInstructionsView::setImageCache(ImageCacheService *cache)
 QUrl CatalogSetInstructionsView::viewOnLegoUrl(const QString &setNumber)
 {
     return Endpoints::url(Endpoints::Service::lego,
-                          u"/en-au/service/building-instructions/"_s + SetNumberNormalizer::baseNumber(setNumber));
+                          u"/en-au/service/building-instructions/"_s + setNumber);
 }
 
 void CatalogSetInstructionsView::showSet(const QString &setNumber)

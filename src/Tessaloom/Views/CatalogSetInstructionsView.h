@@ -47,8 +47,8 @@ public:
     QPushButton *viewOnLegoButton() const { return m_viewOnLego; }
     QLabel *loadingLabel() const { return m_loadingLabel; }
 
-    // The set's building-instructions page on LEGO's web site. LEGO names sets without the
-    // catalog's variant suffix, so "75192-1" leads to ".../building-instructions/75192".
+    // The set's building-instructions page on LEGO's web site, named by the set's number as
+    // the catalog gives it: "75192-1" leads to ".../building-instructions/75192-1".
     static QUrl viewOnLegoUrl(const QString &setNumber);
 
     void openViewOnLego();

@@ -2,7 +2,7 @@
 #include "Views/ContentView.h"
 
 #include "Logging.h"
-#include "Services/RebrickableCatalog.h"
+#include "Services/LegoInstructionsService.h"
 #include "Store/PersistentContainer.h"
 #include "Store/StoreChanges.h"
 #include "Store/StoreError.h"
@@ -12,6 +12,7 @@
 #include "ViewModels/SetListViewModel.h"
 #include "ViewModels/SidebarItem.h"
 #include "ViewModels/SidebarViewModel.h"
+#include "Views/CatalogSetDetailView.h"
 #include "Views/EmptyStateView.h"
 #include "Views/SetListView.h"
 #include "Views/SetPreviewView.h"
@@ -19,13 +20,11 @@
 #include "Views/ThemeBrowserView.h"
 
 #include <QAction>
-#include <QFutureWatcher>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QtConcurrent>
 
 using namespace Qt::StringLiterals;
 
@@ -51,6 +50,7 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     , m_detailColumn(new QStackedWidget(m_splitter))
     , m_detailPlaceholder(new EmptyStateView(m_detailColumn))
     , m_setPreview(new SetPreviewView(m_detailColumn))
+    , m_catalogDetail(new CatalogSetDetailView(container, LegoInstructionsService::sharedFetcher(), m_detailColumn))
     , m_findAction(new QAction(this))
     , m_themeBrowserSearchWriter(
           new DebouncedSettingWriter(themeBrowserSearchKey, DebouncedSettingWriter::defaultPause, this))
@@ -69,6 +69,13 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     m_middleColumn->addWidget(m_themeBrowser);
     m_detailColumn->addWidget(m_detailPlaceholder);
     m_detailColumn->addWidget(m_setPreview);
+    m_detailColumn->addWidget(m_catalogDetail);
+    m_catalogDetail->setObjectName(u"catalogSetDetail"_s);
+    connect(m_catalogDetail, &CatalogSetDetailView::viewInCollectionRequested, this, &ContentView::showOwnedCopy);
+    // Removing the set from the wishlist on its detail closes the detail.
+    connect(m_catalogDetail, &CatalogSetDetailView::dismissRequested, this,
+            [this] { setSelectedCatalogSet(std::nullopt); });
+    connect(m_catalogDetail, &CatalogSetDetailView::copyAdded, m_undoStack, &CollectionUndoStack::recordAddedCopy);
 
     // A window-wide shortcut without a visible control: Ctrl+F from anywhere in the window.
     m_findAction->setShortcut(QKeySequence::Find);
@@ -168,13 +175,9 @@ void ContentView::updateDetailColumn()
         if (showCopyPreview())
             return;
         break;
-    case Content::catalogSet: {
-        // The theme follows once read; the rest of the set shows at once.
-        m_setPreview->showCatalogSet(*m_selectedCatalogSet, QString());
-        m_detailColumn->setCurrentWidget(m_setPreview);
-        lookUpThemePath(*m_selectedCatalogSet);
+    case Content::catalogSet:
+        showCatalogSetDetail();
         return;
-    }
     case Content::trashPlaceholder: {
         //% "No Set Selected"
         const QString title = qtTrId("trash.placeholder.title");
@@ -227,20 +230,11 @@ void ContentView::showDetailPlaceholder(const QString &symbolName, const QString
     m_detailColumn->setCurrentWidget(m_detailPlaceholder);
 }
 
-void ContentView::lookUpThemePath(const CatalogSetResult &set)
+void ContentView::showCatalogSetDetail()
 {
-    const quint64 lookup = ++m_themePathLookup;
-    auto *watcher = new QFutureWatcher<QString>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, lookup, set] {
-        watcher->deleteLater();
-        if (lookup != m_themePathLookup || m_selectedCatalogSet != set
-            || m_detailColumn->currentWidget() != m_setPreview)
-            return;
-        m_setPreview->showCatalogSet(set, watcher->result());
-    });
-    const int themeID = set.themeID;
-    watcher->setFuture(QtConcurrent::run([themeID] {
-        const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
-        return catalog ? catalog->themePath(themeID) : QString();
-    }));
+    // Each showCatalogSet() is a new visit that asks for the booklets again, so a set that
+    // is on show already stays as it is when the detail column is merely brought up to date.
+    if (m_detailColumn->currentWidget() != m_catalogDetail || m_catalogDetail->catalogSet() != m_selectedCatalogSet)
+        m_catalogDetail->showCatalogSet(*m_selectedCatalogSet);
+    m_detailColumn->setCurrentWidget(m_catalogDetail);
 }

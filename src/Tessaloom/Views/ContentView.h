@@ -10,6 +10,7 @@
 #include <optional>
 
 class CatalogDatabaseService;
+class CatalogSetDetailView;
 class CollectionUndoStack;
 class DebouncedSettingWriter;
 class EmptyStateView;
@@ -44,6 +45,7 @@ public:
     QStackedWidget *detailColumn() const { return m_detailColumn; }
     EmptyStateView *detailPlaceholder() const { return m_detailPlaceholder; }
     SetPreviewView *setPreview() const { return m_setPreview; }
+    CatalogSetDetailView *catalogDetail() const { return m_catalogDetail; }
     SetListView *setListView() const { return m_setListView; }
     ThemeBrowserView *themeBrowser() const { return m_themeBrowser; }
     SidebarViewModel &sidebarViewModel() const { return *m_sidebarViewModel; }
@@ -72,9 +74,7 @@ private:
     void showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description);
     bool showCopyPreview();
     void objectsChanged(const StoreChanges &changes);
-    // Reads the theme path of the catalog set on show on the pool and fills it in when it
-    // lands, if the set is still on show: the catalog's lock is never taken here.
-    void lookUpThemePath(const CatalogSetResult &set);
+    void showCatalogSetDetail();
 
     PersistentContainer &m_container;
     std::unique_ptr<SidebarViewModel> m_sidebarViewModel;
@@ -88,11 +88,11 @@ private:
     QStackedWidget *m_detailColumn;
     EmptyStateView *m_detailPlaceholder;
     SetPreviewView *m_setPreview;
+    CatalogSetDetailView *m_catalogDetail;
     QAction *m_findAction;
     DebouncedSettingWriter *m_themeBrowserSearchWriter;
 
     std::optional<ObjectID> m_selectedBrickSet;
     std::optional<CatalogSetResult> m_selectedCatalogSet;
     std::optional<ObjectID> m_pendingBrickSet;
-    quint64 m_themePathLookup = 0; // only the latest look-up's answer is shown
 };
