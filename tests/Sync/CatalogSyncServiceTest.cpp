@@ -240,6 +240,21 @@ private Q_SLOTS:
         QCOMPARE(linesOf(bare).size(), 3);
     }
 
+    // Two screens adding the same set at once: both syncs end with the one CatalogSet.
+    void twoSyncsOfOneNumberAtOnceMakeOneCatalogSet()
+    {
+        // Tasks start at once and run up to their first wait, so both are under way here.
+        QCoro::Task<ObjectID> first = m_service->syncSet(u"75192-1"_s);
+        QCoro::Task<ObjectID> second = m_service->syncSet(u"75192"_s);
+        const TaskOutcome<ObjectID> firstOutcome = waitForOutcome(std::move(first));
+        const TaskOutcome<ObjectID> secondOutcome = waitForOutcome(std::move(second));
+        QVERIFY2(firstOutcome.value, qPrintable(firstOutcome.failureText()));
+        QVERIFY2(secondOutcome.value, qPrintable(secondOutcome.failureText()));
+        QCOMPARE(*secondOutcome.value, *firstOutcome.value);
+        QCOMPARE(countOf<CatalogSet>(), 1);
+        QCOMPARE(linesOf(*firstOutcome.value).size(), 3);
+    }
+
     // A second sync refreshes the facts but keeps a theme that is filled already.
     void secondSyncRefreshesTheFactsButKeepsAFilledTheme()
     {

@@ -2,6 +2,7 @@
 #include "Services/CatalogSyncService.h"
 
 #include "Logging.h"
+#include "Services/AsyncSemaphore.h"
 #include "Services/RebrickableCatalog.h"
 #include "Services/SyncError.h"
 #include "SetNumberNormalizer.h"
@@ -176,8 +177,11 @@ CatalogSyncService &CatalogSyncService::shared()
 
 CatalogSyncService::CatalogSyncService(PersistenceController &persistenceController)
     : m_persistenceController(persistenceController)
+    , m_setWriting(std::make_unique<AsyncSemaphore>(1))
 {
 }
+
+CatalogSyncService::~CatalogSyncService() = default;
 
 std::shared_ptr<ManagedObjectContext> CatalogSyncService::newContext() const
 {
@@ -203,6 +207,8 @@ QCoro::Task<ObjectID> CatalogSyncService::syncSet(QString setNumber)
     const std::optional<CatalogThemeResult> theme = catalog->theme(found->themeID);
     const QString themePath = catalog->themePath(found->themeID);
 
+    co_await m_setWriting->acquire();
+    auto permit = std::make_unique<AsyncSemaphore::Permit>(*m_setWriting);
     // Named before it is awaited: GCC 12 destroys the captures of a lambda written inside
     // a co_await expression twice.
     QFuture<ObjectID> writing = context->perform([number, row = *found, theme, themePath](ManagedObjectContext &store) {
@@ -231,6 +237,7 @@ QCoro::Task<ObjectID> CatalogSyncService::syncSet(QString setNumber)
         return set.objectID;
     });
     const ObjectID objectID = co_await writing;
+    permit.reset();
 
     co_await syncParts(number, objectID);
     co_return objectID;

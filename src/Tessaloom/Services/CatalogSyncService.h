@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class AsyncSemaphore;
 class ManagedObjectContext;
 class PersistenceController;
 
@@ -15,7 +16,9 @@ class PersistenceController;
 // into the collection store, where only the sets the user has touched are kept.
 //
 // Its coroutines run on the main thread, so calls run one at a time and give up their turn
-// only while a context's perform() runs on its worker; two calls can interleave there.
+// only while a context's perform() runs on its worker; two calls can interleave there,
+// except for the find-or-create of the set itself, which one call at a time makes, so that
+// two syncs of one number at once (two screens adding the same set) make one CatalogSet.
 // Each operation makes its own background context and drops it at the end: the service
 // holds no state besides the store.
 class CatalogSyncService
@@ -25,6 +28,7 @@ public:
     static CatalogSyncService &shared();
 
     explicit CatalogSyncService(PersistenceController &persistenceController);
+    ~CatalogSyncService();
     CatalogSyncService(const CatalogSyncService &) = delete;
     CatalogSyncService &operator=(const CatalogSyncService &) = delete;
 
@@ -44,4 +48,5 @@ private:
     std::shared_ptr<ManagedObjectContext> newContext() const;
 
     PersistenceController &m_persistenceController;
+    std::unique_ptr<AsyncSemaphore> m_setWriting; // one find-or-create of a set at a time
 };
