@@ -260,6 +260,21 @@ private Q_SLOTS:
         QVERIFY(!m_list->selectedCopy());
     }
 
+    void restoringAnotherCopyKeepsTheSelection()
+    {
+        const BrickSet older = trashedCopy(std::nullopt, noon(2026, 1, 1));
+        const BrickSet newer = trashedCopy(std::nullopt, noon(2026, 1, 2));
+        showWindow();
+        clickRow(1);
+        QCOMPARE(m_list->selectedCopy(), std::optional<ObjectID>(older.objectID));
+        QSignalSpy selected(m_list, &TrashListView::copySelected);
+        m_trash->restore(newer.objectID);
+        QCOMPARE(selected.size(), 0);
+        QCOMPARE(m_list->selectedCopy(), std::optional<ObjectID>(older.objectID));
+        QCOMPARE(m_list->list()->selectionModel()->selectedIndexes().size(), 1);
+        QCOMPARE(m_list->list()->selectionModel()->selectedIndexes().first().row(), 0);
+    }
+
     void theDetailShowsTheCopysFacts()
     {
         CatalogSet set = catalogSet(u"10305-1"_s, u"Lion Knights' Castle"_s);

@@ -204,6 +204,26 @@ private Q_SLOTS:
         QCOMPARE(items().resultAt(0).setNum, u"10305-1"_s);
     }
 
+    void aRemovalTakesOutItsRowAndKeepsTheOthers()
+    {
+        addItem(u"75192-1"_s, u"Millennium Falcon"_s, daysAgo(3));
+        const WishlistItem middle = addItem(u"6080-1"_s, u"King's Castle"_s, daysAgo(2));
+        addItem(u"10305-1"_s, u"Lion Knights' Castle"_s, daysAgo(1));
+        makeView();
+        QAbstractItemModelTester tester(&items(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QSignalSpy resets(&items(), &QAbstractItemModel::modelReset);
+        QSignalSpy removed(&items(), &QAbstractItemModel::rowsRemoved);
+        items().removeItem(middle.objectID);
+        // Reported as one removed row, so the views keep their scroll position.
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(removed.size(), 1);
+        QCOMPARE(removed.first().at(1).toInt(), 1);
+        QCOMPARE(items().count(), 2);
+        QCOMPARE(items().resultAt(0).setNum, u"10305-1"_s);
+        QCOMPARE(items().resultAt(1).setNum, u"75192-1"_s);
+        QCOMPARE(items().themeNameAt(1), u"Ultimate Collector Series"_s);
+    }
+
     void anItemWithoutANameShowsItsNumber()
     {
         addItem(u"4242-1"_s, std::nullopt, daysAgo(1));

@@ -84,17 +84,50 @@ void WishlistListModel::refetch()
         qCWarning(lcPersistence) << "Fetching the wishlist failed:" << error.description();
     }
     const int oldCount = count();
-    beginResetModel();
-    m_items = std::move(items);
-    m_rows.clear();
-    m_rows.reserve(m_items.size());
-    for (const WishlistItem &item : std::as_const(m_items))
-        m_rows.append(rowFor(item));
-    endResetModel();
+    if (!removeRowsLeaving(items)) {
+        beginResetModel();
+        m_items = std::move(items);
+        m_rows.clear();
+        m_rows.reserve(m_items.size());
+        for (const WishlistItem &item : std::as_const(m_items))
+            m_rows.append(rowFor(item));
+        endResetModel();
+    }
     if (count() != oldCount)
         Q_EMIT countChanged();
     Q_EMIT refetched();
     lookUpMissingNumbers();
+}
+
+bool WishlistListModel::removeRowsLeaving(const QList<WishlistItem> &items)
+{
+    // Only removals, the commonest change, are reported row by row, so the views keep
+    // their scroll position and selection; anything else resets the list.
+    if (items.size() > m_items.size())
+        return false;
+    if (items.size() == m_items.size())
+        return items == m_items;
+    // Entries are unique, so walking both lists once tells whether `items` is the current
+    // list with some entries left out, in the same order.
+    QList<bool> stays(m_items.size(), false);
+    qsizetype next = 0;
+    for (qsizetype row = 0; row < m_items.size() && next < items.size(); ++row) {
+        if (m_items[row] == items[next]) {
+            stays[row] = true;
+            ++next;
+        }
+    }
+    if (next != items.size())
+        return false;
+    for (qsizetype row = m_items.size() - 1; row >= 0; --row) {
+        if (stays[row])
+            continue;
+        beginRemoveRows(QModelIndex(), int(row), int(row));
+        m_items.remove(row);
+        m_rows.remove(row);
+        endRemoveRows();
+    }
+    return true;
 }
 
 WishlistListModel::Row WishlistListModel::rowFor(const WishlistItem &item) const

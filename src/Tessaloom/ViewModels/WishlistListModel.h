@@ -85,6 +85,9 @@ private:
 
     void onObjectsDidChange(const StoreChanges &changes);
     Row rowFor(const WishlistItem &item) const;
+    // When `items` is the current list with some entries taken out, removes their rows
+    // and answers true; else changes nothing.
+    bool removeRowsLeaving(const QList<WishlistItem> &items);
     void lookUpMissingNumbers();
     void lookUpLanded(const LookUp &answer);
 

@@ -176,6 +176,9 @@ void TrashListView::selectionChanged()
     std::optional<ObjectID> chosen;
     if (!selected.isEmpty())
         chosen = m_trashedSets->rowAt(selected.first().row()).brickSet.objectID;
+    // Rows removed above the selected one move it without changing what is selected.
+    if (chosen && chosen == m_selectedCopy)
+        return;
     m_selectedCopy = chosen;
     Q_EMIT copySelected(chosen);
 }

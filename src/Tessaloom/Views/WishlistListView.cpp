@@ -248,6 +248,10 @@ void WishlistListView::selectionChanged()
     std::optional<CatalogSetResult> chosen;
     if (row >= 0)
         chosen = m_items->resultAt(row);
-    m_selectedSetNumber = chosen ? std::optional<QString>(chosen->setNum) : std::nullopt;
+    const std::optional<QString> setNumber = chosen ? std::optional<QString>(chosen->setNum) : std::nullopt;
+    // Rows removed above the selected one move it without changing what is selected.
+    if (setNumber && setNumber == m_selectedSetNumber)
+        return;
+    m_selectedSetNumber = setNumber;
     Q_EMIT catalogSetSelected(chosen);
 }
