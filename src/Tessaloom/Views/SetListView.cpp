@@ -2,6 +2,7 @@
 #include "Views/SetListView.h"
 
 #include "ViewModels/CatalogSetListModel.h"
+#include "ViewModels/CollectionTrash.h"
 #include "ViewModels/SetListGroupModel.h"
 #include "ViewModels/SetListViewModel.h"
 #include "ViewModels/SidebarItem.h"
@@ -106,6 +107,7 @@ SetListView::SetListView(SetListViewModel &viewModel, QWidget *parent)
     connect(viewModel.catalogModel(), &QAbstractItemModel::modelReset, this, &SetListView::reselectCatalogSet);
 
     connect(&m_viewModel, &SetListViewModel::selectionIDChanged, this, &SetListView::showCurrentList);
+    connect(&m_viewModel, &SetListViewModel::selectionIDChanged, this, &SetListView::updateMoveToTrashAction);
     connect(&m_viewModel, &SetListViewModel::isGridViewChanged, this, &SetListView::showCurrentList);
     connect(&m_viewModel, &SetListViewModel::catalogResultsChanged, this, &SetListView::showCurrentList);
     connect(&m_viewModel, &SetListViewModel::catalogSearchStarted, this, &SetListView::showCurrentList);
@@ -198,7 +200,21 @@ void SetListView::buildCopyActions()
         if (!m_viewModel.isCatalogList() && m_selectedBrickSet)
             Q_EMIT partsChecklistRequested(*m_selectedBrickSet);
     });
+
+    //% "Move to Trash"
+    m_moveToTrashAction = new QAction(SymbolIcon::icon(u"trash"_s), qtTrId("setList.moveToTrash"), this);
+    m_moveToTrashAction->setObjectName(u"moveToTrashAction"_s);
+    m_moveToTrashAction->setShortcuts({QKeySequence(QKeySequence::Delete), QKeySequence(Qt::Key_Backspace)});
+    // Only while the copies' grid or table has the keyboard: in the search field the keys
+    // edit the text.
+    m_moveToTrashAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(m_moveToTrashAction, &QAction::triggered, this, [this] {
+        if (!m_viewModel.isCatalogList() && m_selectedBrickSet)
+            moveCopyToTrash(*m_selectedBrickSet);
+    });
+    updateMoveToTrashAction();
     for (QAbstractItemView *list : {static_cast<QAbstractItemView *>(m_copiesGrid), static_cast<QAbstractItemView *>(m_copiesTable)}) {
+        list->addAction(m_moveToTrashAction);
         list->setContextMenuPolicy(Qt::CustomContextMenu);
         connect(list, &QWidget::customContextMenuRequested, this,
                 [this, list](const QPoint &position) { showCopyContextMenu(list, position); });
@@ -225,7 +241,39 @@ QMenu *SetListView::copyContextMenu(int row)
     QAction *open = menu->addAction(m_partsChecklistAction->icon(), m_partsChecklistAction->text());
     open->setShortcut(m_partsChecklistAction->shortcut());
     connect(open, &QAction::triggered, this, [this, id = *copy] { Q_EMIT partsChecklistRequested(id); });
+    if (m_moveToTrashAction->isEnabled()) {
+        menu->addSeparator();
+        QAction *trash = menu->addAction(m_moveToTrashAction->icon(), m_moveToTrashAction->text());
+        trash->setObjectName(u"moveToTrashMenuAction"_s);
+        trash->setShortcut(m_moveToTrashAction->shortcut());
+        connect(trash, &QAction::triggered, this, [this, id = *copy] { moveCopyToTrash(id); });
+    }
     return menu;
+}
+
+void SetListView::setCollectionTrash(CollectionTrash *trash)
+{
+    m_trash = trash;
+    updateMoveToTrashAction();
+}
+
+void SetListView::updateMoveToTrashAction()
+{
+    // The trash's own list shows trashed copies: they cannot be moved there again.
+    const bool copies = !m_viewModel.isCatalogList() && m_viewModel.selection().kind() != SidebarItem::Kind::trash;
+    m_moveToTrashAction->setEnabled(m_trash && copies);
+}
+
+void SetListView::moveCopyToTrash(ObjectID brickSet)
+{
+    if (!m_trash)
+        return;
+    // The selection goes first, so the detail never shows a copy that left the list.
+    if (m_selectedBrickSet == brickSet) {
+        setSelectedBrickSet(std::nullopt);
+        Q_EMIT brickSetSelected(std::nullopt);
+    }
+    m_trash->moveToTrash(brickSet);
 }
 
 void SetListView::showCopyContextMenu(QAbstractItemView *list, const QPoint &position)

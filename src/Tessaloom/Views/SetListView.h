@@ -11,6 +11,7 @@
 class CatalogGridItemView;
 class CatalogTableView;
 class CellPictureLoader;
+class CollectionTrash;
 class EmptyStateView;
 class QAbstractItemView;
 class QAction;
@@ -55,6 +56,13 @@ public:
     QAction *tableAction() const { return m_tableAction; }
     // Opens the parts checklist of the selected copy (also in the copies' context menu).
     QAction *partsChecklistAction() const { return m_partsChecklistAction; }
+    // Moves the selected copy to the trash (also in the copies' context menu); Delete while
+    // the grid or table of copies has the keyboard, never while typing in the search field.
+    // Disabled until a trash is given.
+    QAction *moveToTrashAction() const { return m_moveToTrashAction; }
+    // What moves copies to the trash; none by default.
+    void setCollectionTrash(CollectionTrash *trash);
+    CollectionTrash *collectionTrash() const { return m_trash; }
     // The context menu of the copy at `row` of the copies list, as it would pop up.
     QMenu *copyContextMenu(int row);
     SetGridView *copiesGrid() const { return m_copiesGrid; }
@@ -81,6 +89,8 @@ private:
     void buildCopyActions();
     void showCopyContextMenu(QAbstractItemView *list, const QPoint &position);
     std::optional<ObjectID> copyAt(int row) const;
+    void moveCopyToTrash(ObjectID brickSet); // by value: it may come from the selection it clears
+    void updateMoveToTrashAction();
     void showCurrentList();
     void updateCatalogEmptyState();
     void copySelectionChanged();
@@ -95,6 +105,8 @@ private:
     QAction *m_gridAction = nullptr;
     QAction *m_tableAction = nullptr;
     QAction *m_partsChecklistAction = nullptr;
+    QAction *m_moveToTrashAction = nullptr;
+    CollectionTrash *m_trash = nullptr;
     QStackedWidget *m_lists;
     SetGridView *m_copiesGrid;
     SetTableView *m_copiesTable;

@@ -62,6 +62,7 @@ const QHash<QString, SymbolMapping> &mappings()
         {u"line.3.horizontal.decrease.circle"_s, {u"view-filter"_s, QStyle::SP_FileDialogListView}},
         {u"minus.circle"_s, {u"list-remove"_s, QStyle::SP_ArrowDown}},
         {u"plus.circle"_s, {u"list-add"_s, QStyle::SP_ArrowUp}},
+        {u"arrow.uturn.backward"_s, {u"edit-undo"_s, QStyle::SP_ArrowBack}},
     };
     return table;
 }

@@ -774,6 +774,109 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Failed to build API request URL.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="setList.moveToTrash">
+        <source>Move to Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.detail.title">
+        <source>Trashed Set</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.detail.restore">
+        <source>Restore</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.detail.deletePermanently">
+        <source>Delete Permanently</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.detail.pricePaid">
+        <source>Price Paid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.detail.deleteConfirm.">
+        <source>Delete “%1” Permanently?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.detail.deleteWarning">
+        <source>The set and its parts checklist will be deleted. This cannot be undone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.title">
+        <source>Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.empty.button">
+        <source>Empty Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.empty">
+        <source>Trash is Empty</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.empty.confirm">
+        <source>Empty Trash?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.empty.warning">
+        <source>The sets in the trash will be deleted permanently, with their parts checklists. This cannot be undone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="trash.empty.deleteCount " numerus="yes">
+        <source>Delete %Ln Set(s)</source>
+        <translation>
+            <numerusform>Delete %Ln Set</numerusform>
+            <numerusform>Delete %Ln Sets</numerusform>
+        </translation>
+    </message>
+    <message id="trash.trashedDate.">
+        <source>Trashed %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="wishlist.empty.title">
+        <source>No Wishlist Items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="wishlist.empty.description">
+        <source>Sets you add to your wishlist from the catalog appear here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="wishlist.title">
+        <source>Wishlist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="wishlist.viewPicker">
+        <source>View</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="wishlist.removeFromWishlist">
+        <source>Remove from Wishlist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.action.addToCollection">
+        <source>Add to Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.addedToCollection.">
+        <source>Added %1 to the collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.action.moveToTrash">
+        <source>Move to Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.movedToTrash.">
+        <source>Moved %1 to the trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.action.restore">
+        <source>Restore from Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="undo.status.restored.">
+        <source>Restored %1 from the trash</source>
+        <translation type="unfinished"></translation>
+    </message>
     <message id="catalog.detail.inCollection">
         <source>In Collection</source>
         <translation type="unfinished"></translation>
@@ -820,30 +923,6 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="instructions.viewOnLego">
         <source>View on LEGO.com</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="undo.action.addToCollection">
-        <source>Add to Collection</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="undo.status.addedToCollection.">
-        <source>Added %1 to the collection</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="undo.action.moveToTrash">
-        <source>Move to Trash</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="undo.status.movedToTrash.">
-        <source>Moved %1 to the trash</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="undo.action.restore">
-        <source>Restore from Trash</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="undo.status.restored.">
-        <source>Restored %1 from the trash</source>
         <translation type="unfinished"></translation>
     </message>
     <message id="menu.edit">
