@@ -14,8 +14,15 @@
 #include "Views/EmptyStateView.h"
 #include "Views/SetGridView.h"
 #include "Views/SetListView.h"
+#include "ViewModels/CollectionTrash.h"
+#include "ViewModels/CollectionUndoStack.h"
+#include "ViewModels/WishlistListModel.h"
+#include "Store/WishlistItem.h"
 #include "Views/CatalogSetDetailView.h"
 #include "Views/SetPreviewView.h"
+#include "Views/TrashDetailView.h"
+#include "Views/TrashListView.h"
+#include "Views/WishlistListView.h"
 #include "Views/ThemeBrowserView.h"
 #include "Views/TranslationLoader.h"
 
@@ -26,6 +33,7 @@
 #include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QLabel>
+#include <QPushButton>
 #include <QTest>
 #include <QThreadPool>
 
@@ -90,6 +98,8 @@ private Q_SLOTS:
     void initTestCase()
     {
         TestEnvironment::isolate();
+        // A catalog set's detail looks its booklets up; here they find a closed port.
+        qputenv("TESSALOOM_ENDPOINTS", "lego=http://127.0.0.1:9");
         QVERIFY(TranslationLoader::install(*qApp, QLocale(QLocale::English, QLocale::UnitedStates)));
         CatalogFixture fixture;
         fixture.addRows(u"themes"_s, "1,Star Wars,\n5,Castle,\n");
@@ -169,9 +179,13 @@ private Q_SLOTS:
         list().setSearchText(u"lion"_s);
         QTRY_COMPARE(list().catalogResults().size(), 1);
         QTRY_VERIFY(content().selectedCatalogSet().has_value());
-        QVERIFY(showsPreviewOf(u"Lion Knights' Castle"_s));
+        QCOMPARE(content().detailColumn()->currentWidget(), content().catalogDetail());
+        QCOMPARE(content().catalogDetail()->nameLabel()->text(), u"Lion Knights' Castle"_s);
 
-        content().showOwnedCopy(m_castleCopy.objectID);
+        // The detail's own button, which leads through the window's showOwnedCopy.
+        QPushButton *viewInCollection = content().catalogDetail()->viewInCollectionButton();
+        QTRY_VERIFY(content().catalogDetail()->isOwned());
+        viewInCollection->click();
         QCOMPARE(sidebar().selectedItem(), SidebarItem(SidebarItem::Kind::allSets));
         QCOMPARE(content().selectedCatalogSet(), std::nullopt);
         QCOMPARE(content().selectedBrickSet(), m_castleCopy.objectID);
@@ -210,8 +224,41 @@ private Q_SLOTS:
         sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::trash));
         QVERIFY(showsPlaceholder(u"trash"_s));
         QCOMPARE(content().detailPlaceholder()->title(), u"No Set Selected"_s);
+        QCOMPARE(content().middleColumn()->currentWidget(), content().trashList());
         content().setSelectedBrickSet(trashed.objectID);
-        QVERIFY(showsPreviewOf(u"Lion Knights' Castle"_s));
+        QCOMPARE(content().detailColumn()->currentWidget(), content().trashDetail());
+        QCOMPARE(content().trashDetail()->name(), u"Lion Knights' Castle"_s);
+        QCOMPARE(content().trashList()->selectedCopy(), trashed.objectID);
+    }
+
+    void theWishlistHasItsOwnScreenAndItsItemShowsTheCatalogDetail()
+    {
+        WishlistItem wanted;
+        wanted.setNumber = u"75192-1"_s;
+        wanted.setName = u"Millennium Falcon"_s;
+        wanted.dateAdded = QDateTime::currentDateTimeUtc();
+        context().insert(wanted);
+        context().save();
+        sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::wishlist));
+        QCOMPARE(content().middleColumn()->currentWidget(), content().wishlistView());
+        QTRY_COMPARE(content().wishlistView()->items()->rowCount(), 1);
+
+        Q_EMIT content().wishlistView()->catalogSetSelected(
+            CatalogSetResult{u"75192-1"_s, u"Millennium Falcon"_s, 2017, 158, 7541, std::nullopt});
+        QCOMPARE(content().detailColumn()->currentWidget(), content().catalogDetail());
+        QCOMPARE(content().wishlistView()->selectedSetNumber(), u"75192-1"_s);
+        // Back to the collection: the wishlist's selection goes with the sidebar's.
+        sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
+        QCOMPARE(content().wishlistView()->selectedSetNumber(), std::nullopt);
+    }
+
+    void trashingFromTheListIsOfferedForUndo()
+    {
+        content().setSelectedBrickSet(m_falconCopy.objectID);
+        content().trash().moveToTrash(m_falconCopy.objectID);
+        QCOMPARE(content().undoStack().lastActionText(), u"Moved 75192-1 to the trash"_s);
+        content().undoStack().undo();
+        QVERIFY(!context().existingObject<BrickSet>(m_falconCopy.objectID)->isTrashed);
     }
 
     void theThemeBrowserAsksForATheme()

@@ -11,6 +11,7 @@
 #include "Views/CatalogTableView.h"
 #include "Views/SetListView.h"
 #include "Views/ThemeBrowserView.h"
+#include "Views/TrashListView.h"
 #include "ViewModels/SetListViewModel.h"
 #include "ViewModels/SidebarItem.h"
 #include "ViewModels/SidebarViewModel.h"
@@ -160,7 +161,7 @@ private Q_SLOTS:
         QCOMPARE(content->detailPlaceholder()->title(), u"No Theme Selected"_s);
 
         sidebar.setSelectedItem(SidebarItem(SidebarItem::Kind::trash));
-        QCOMPARE(content->middleColumn()->currentWidget(), content->setListView());
+        QCOMPARE(content->middleColumn()->currentWidget(), content->trashList());
         QCOMPARE(content->detailPlaceholder()->symbolName(), u"trash"_s);
 
         sidebar.setSelectedItem(SidebarItem(SidebarItem::Kind::catalogAll));

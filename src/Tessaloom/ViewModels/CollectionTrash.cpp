@@ -21,11 +21,12 @@ void CollectionTrash::moveToTrash(const ObjectID &brickSet)
 
 void CollectionTrash::restore(const ObjectID &brickSet)
 {
-    if (setTrashed(brickSet, false))
-        Q_EMIT copyRestored(brickSet);
+    std::optional<QDateTime> trashedDate;
+    if (setTrashed(brickSet, false, &trashedDate))
+        Q_EMIT copyRestored(brickSet, trashedDate);
 }
 
-bool CollectionTrash::setTrashed(const ObjectID &brickSet, bool trashed)
+bool CollectionTrash::setTrashed(const ObjectID &brickSet, bool trashed, std::optional<QDateTime> *previousDate)
 {
     std::optional<BrickSet> copy;
     try {
@@ -33,7 +34,9 @@ bool CollectionTrash::setTrashed(const ObjectID &brickSet, bool trashed)
         if (!copy)
             return false;
         if (copy->isTrashed == trashed)
-            return true;
+            return false; // nothing to do, and nothing to announce or to undo
+        if (previousDate)
+            *previousDate = copy->trashedDate;
         copy->isTrashed = trashed;
         // The date serves the trash's order and its rows; nothing purges copies by age.
         copy->trashedDate = trashed ? std::optional<QDateTime>(QDateTime::currentDateTimeUtc()) : std::nullopt;

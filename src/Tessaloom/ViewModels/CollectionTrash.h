@@ -3,6 +3,7 @@
 
 #include "Store/ObjectID.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QObject>
 
@@ -39,12 +40,14 @@ public:
 
 Q_SIGNALS:
     void copyMovedToTrash(const ObjectID &brickSet);
-    void copyRestored(const ObjectID &brickSet);
+    // `trashedDate` is when the copy had been moved to the trash, for an undo to put back.
+    void copyRestored(const ObjectID &brickSet, const std::optional<QDateTime> &trashedDate);
     // After a permanent deletion of one copy or the emptying of the trash.
     void copiesDeleted(int count);
 
 private:
-    bool setTrashed(const ObjectID &brickSet, bool trashed);
+    // Whether the flag changed; `previousDate` takes the trashed date the copy had.
+    bool setTrashed(const ObjectID &brickSet, bool trashed, std::optional<QDateTime> *previousDate = nullptr);
     void save();
 
     ManagedObjectContext &m_viewContext;

@@ -6,6 +6,7 @@
 #include "Store/PersistentContainer.h"
 #include "Store/StoreChanges.h"
 #include "Store/StoreError.h"
+#include "ViewModels/CollectionTrash.h"
 #include "ViewModels/CollectionUndoStack.h"
 #include "ViewModels/DebouncedSettingWriter.h"
 #include "ViewModels/DetailColumnRule.h"
@@ -18,6 +19,9 @@
 #include "Views/SetPreviewView.h"
 #include "Views/SidebarView.h"
 #include "Views/ThemeBrowserView.h"
+#include "Views/TrashDetailView.h"
+#include "Views/TrashListView.h"
+#include "Views/WishlistListView.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -42,15 +46,19 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     , m_sidebarViewModel(std::make_unique<SidebarViewModel>(container.viewContext(), catalogService))
     , m_listViewModel(std::make_unique<SetListViewModel>(container))
     , m_undoStack(new CollectionUndoStack(container.viewContext(), this))
+    , m_trash(new CollectionTrash(container.viewContext(), this))
     , m_splitter(new QSplitter(Qt::Horizontal, this))
     , m_sidebar(new SidebarView(*m_sidebarViewModel, m_splitter))
     , m_middleColumn(new QStackedWidget(m_splitter))
     , m_setListView(new SetListView(*m_listViewModel, m_middleColumn))
     , m_themeBrowser(new ThemeBrowserView(m_middleColumn))
+    , m_wishlist(new WishlistListView(container.viewContext(), *m_listViewModel, m_middleColumn))
+    , m_trashList(new TrashListView(container, *m_trash, m_middleColumn))
     , m_detailColumn(new QStackedWidget(m_splitter))
     , m_detailPlaceholder(new EmptyStateView(m_detailColumn))
     , m_setPreview(new SetPreviewView(m_detailColumn))
     , m_catalogDetail(new CatalogSetDetailView(container, LegoInstructionsService::sharedFetcher(), m_detailColumn))
+    , m_trashDetail(new TrashDetailView(container.viewContext(), *m_trash, m_detailColumn))
     , m_findAction(new QAction(this))
     , m_themeBrowserSearchWriter(
           new DebouncedSettingWriter(themeBrowserSearchKey, DebouncedSettingWriter::defaultPause, this))
@@ -67,15 +75,31 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
 
     m_middleColumn->addWidget(m_setListView);
     m_middleColumn->addWidget(m_themeBrowser);
+    m_middleColumn->addWidget(m_wishlist);
+    m_middleColumn->addWidget(m_trashList);
     m_detailColumn->addWidget(m_detailPlaceholder);
     m_detailColumn->addWidget(m_setPreview);
     m_detailColumn->addWidget(m_catalogDetail);
+    m_detailColumn->addWidget(m_trashDetail);
     m_catalogDetail->setObjectName(u"catalogSetDetail"_s);
     connect(m_catalogDetail, &CatalogSetDetailView::viewInCollectionRequested, this, &ContentView::showOwnedCopy);
     // Removing the set from the wishlist on its detail closes the detail.
     connect(m_catalogDetail, &CatalogSetDetailView::dismissRequested, this,
             [this] { setSelectedCatalogSet(std::nullopt); });
     connect(m_catalogDetail, &CatalogSetDetailView::copyAdded, m_undoStack, &CollectionUndoStack::recordAddedCopy);
+
+    // Copies leave the collection through the trash, from the set list's menu and Delete
+    // key, and come back from the trash's screens; each step can be taken back.
+    m_setListView->setCollectionTrash(m_trash);
+    connect(m_trash, &CollectionTrash::copyMovedToTrash, m_undoStack, &CollectionUndoStack::recordMovedToTrash);
+    connect(m_trash, &CollectionTrash::copyRestored, m_undoStack, &CollectionUndoStack::recordRestored);
+    // The trash list speaks for the selection only while it is on show: it lets go of any
+    // copy that is not in the trash, which elsewhere is every copy.
+    connect(m_trashList, &TrashListView::copySelected, this, [this](const std::optional<ObjectID> &copy) {
+        if (isShowingTrash())
+            setSelectedBrickSet(copy);
+    });
+    connect(m_wishlist, &WishlistListView::catalogSetSelected, this, &ContentView::setSelectedCatalogSet);
 
     // A window-wide shortcut without a visible control: Ctrl+F from anywhere in the window.
     m_findAction->setShortcut(QKeySequence::Find);
@@ -123,25 +147,56 @@ void ContentView::selectionChanged(const std::optional<SidebarItem> &item)
     m_selectedCatalogSet.reset();
     m_listViewModel->sidebarSelectionChanged(item);
 
-    const bool themes = item && item->kind() == SidebarItem::Kind::catalogAllThemes;
-    m_middleColumn->setCurrentWidget(themes ? static_cast<QWidget *>(m_themeBrowser) : m_setListView);
+    showMiddleColumnFor(item);
     m_setListView->setSidebarSelection(item);
     m_setListView->setSelectedBrickSet(m_selectedBrickSet);
     m_setListView->setSelectedCatalogSet(std::nullopt);
+    m_trashList->setSelectedCopy(isShowingTrash() ? m_selectedBrickSet : std::nullopt);
+    m_wishlist->setSelectedSetNumber(std::nullopt);
     updateDetailColumn();
+}
+
+bool ContentView::isShowingTrash() const
+{
+    const std::optional<SidebarItem> item = m_sidebarViewModel->selectedItem();
+    return item && item->kind() == SidebarItem::Kind::trash;
+}
+
+void ContentView::showMiddleColumnFor(const std::optional<SidebarItem> &item)
+{
+    QWidget *column = m_setListView;
+    if (item) {
+        switch (item->kind()) {
+        case SidebarItem::Kind::catalogAllThemes:
+            column = m_themeBrowser;
+            break;
+        case SidebarItem::Kind::wishlist:
+            column = m_wishlist;
+            break;
+        case SidebarItem::Kind::trash:
+            column = m_trashList;
+            break;
+        default:
+            break;
+        }
+    }
+    m_middleColumn->setCurrentWidget(column);
 }
 
 void ContentView::setSelectedBrickSet(const std::optional<ObjectID> &brickSet)
 {
     m_selectedBrickSet = brickSet;
     m_setListView->setSelectedBrickSet(brickSet);
+    m_trashList->setSelectedCopy(isShowingTrash() ? brickSet : std::nullopt);
     updateDetailColumn();
 }
 
 void ContentView::setSelectedCatalogSet(const std::optional<CatalogSetResult> &set)
 {
     m_selectedCatalogSet = set;
-    m_setListView->setSelectedCatalogSet(set ? std::optional<QString>(set->setNum) : std::nullopt);
+    const std::optional<QString> setNumber = set ? std::optional<QString>(set->setNum) : std::nullopt;
+    m_setListView->setSelectedCatalogSet(setNumber);
+    m_wishlist->setSelectedSetNumber(setNumber);
     updateDetailColumn();
 }
 
@@ -171,6 +226,9 @@ void ContentView::updateDetailColumn()
     const std::optional<SidebarItem> item = m_sidebarViewModel->selectedItem();
     switch (DetailColumnRule::choose(item, m_selectedBrickSet.has_value(), m_selectedCatalogSet.has_value())) {
     case Content::trashedCopy:
+        m_trashDetail->setBrickSet(m_selectedBrickSet);
+        m_detailColumn->setCurrentWidget(m_trashDetail);
+        return;
     case Content::copy:
         if (showCopyPreview())
             return;

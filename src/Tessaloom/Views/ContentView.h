@@ -11,6 +11,7 @@
 
 class CatalogDatabaseService;
 class CatalogSetDetailView;
+class CollectionTrash;
 class CollectionUndoStack;
 class DebouncedSettingWriter;
 class EmptyStateView;
@@ -26,6 +27,9 @@ class SidebarView;
 class SidebarViewModel;
 struct StoreChanges;
 class ThemeBrowserView;
+class TrashDetailView;
+class TrashListView;
+class WishlistListView;
 
 // The three columns of the main window: the sidebar, the middle list and the detail pane,
 // side by side in a splitter whose sizes the window remembers. The sidebar's selection
@@ -48,6 +52,11 @@ public:
     CatalogSetDetailView *catalogDetail() const { return m_catalogDetail; }
     SetListView *setListView() const { return m_setListView; }
     ThemeBrowserView *themeBrowser() const { return m_themeBrowser; }
+    WishlistListView *wishlistView() const { return m_wishlist; }
+    TrashListView *trashList() const { return m_trashList; }
+    TrashDetailView *trashDetail() const { return m_trashDetail; }
+    // Moves copies to the trash, restores them and deletes them for good.
+    CollectionTrash &trash() const { return *m_trash; }
     SidebarViewModel &sidebarViewModel() const { return *m_sidebarViewModel; }
     // What the user can take back: adds, moves to the trash, restores.
     CollectionUndoStack &undoStack() const { return *m_undoStack; }
@@ -75,20 +84,26 @@ private:
     bool showCopyPreview();
     void objectsChanged(const StoreChanges &changes);
     void showCatalogSetDetail();
+    void showMiddleColumnFor(const std::optional<SidebarItem> &item);
+    bool isShowingTrash() const;
 
     PersistentContainer &m_container;
     std::unique_ptr<SidebarViewModel> m_sidebarViewModel;
     std::unique_ptr<SetListViewModel> m_listViewModel;
     CollectionUndoStack *m_undoStack;
+    CollectionTrash *m_trash;
     QSplitter *m_splitter;
     SidebarView *m_sidebar;
     QStackedWidget *m_middleColumn;
     SetListView *m_setListView;
     ThemeBrowserView *m_themeBrowser;
+    WishlistListView *m_wishlist;
+    TrashListView *m_trashList;
     QStackedWidget *m_detailColumn;
     EmptyStateView *m_detailPlaceholder;
     SetPreviewView *m_setPreview;
     CatalogSetDetailView *m_catalogDetail;
+    TrashDetailView *m_trashDetail;
     QAction *m_findAction;
     DebouncedSettingWriter *m_themeBrowserSearchWriter;
 
