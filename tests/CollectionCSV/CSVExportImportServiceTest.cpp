@@ -395,8 +395,7 @@ private Q_SLOTS:
     void withoutCatalogRowsComeInWithWhatTheFileHolds()
     {
         RebrickableCatalog::replaceShared(nullptr);
-        // replaceShared(nullptr) makes shared() load again; the test environment has no
-        // catalog file, so it stays absent.
+        // As when neither the user's catalog nor the bundled one could be opened.
         QVERIFY(!RebrickableCatalog::shared());
         const ImportResult result = importText(*m_store, file({row({{u"id"_s, firstId}, {u"set_number"_s, knownSet}})}));
         QCOMPARE(result.created, 1);
