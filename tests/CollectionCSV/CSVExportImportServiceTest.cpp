@@ -13,6 +13,7 @@
 #include "Views/TranslationLoader.h"
 
 #include <QCoroTask>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -543,6 +544,20 @@ private Q_SLOTS:
         QCOMPARE(contents(*m_store), before);
         QCoreApplication::processEvents();
         QCOMPARE(changes.count(), 0);
+    }
+
+    void headerNamingAColumnTwiceStopsTheProcessAndChangesNothing()
+    {
+        saveCopy(knownSet);
+        const StoreContents before = contents(*m_store);
+        QProcess importer;
+        importer.start(QStringLiteral(DUPLICATE_HEADER_IMPORT_PROCESS), {m_store->path()});
+        QVERIFY(importer.waitForFinished(60'000));
+        // Which of the two columns a value came from would be a guess: the process stops.
+        QCOMPARE(importer.exitStatus(), QProcess::CrashExit);
+        QVERIFY2(importer.readAllStandardError().contains("CSV header names the column \"notes\" twice"),
+                 "the fault names the column");
+        QCOMPARE(contents(*m_store), before);
     }
 
     // --- Running off the main thread

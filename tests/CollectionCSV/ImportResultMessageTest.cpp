@@ -27,11 +27,11 @@ private Q_SLOTS:
         QTest::addColumn<qint64>("updated");
         QTest::addColumn<int>("errors");
         QTest::addColumn<QString>("message");
-        QTest::newRow("all three") << qint64(3) << qint64(12) << 2 << u"3 sets added, 12 sets updated, 2 rows skipped."_s;
-        QTest::newRow("added only") << qint64(1) << qint64(0) << 0 << u"1 sets added."_s;
-        QTest::newRow("updated only") << qint64(0) << qint64(10000) << 0 << u"10000 sets updated."_s;
-        QTest::newRow("skipped only") << qint64(0) << qint64(0) << 7 << u"7 rows skipped."_s;
-        QTest::newRow("added and skipped") << qint64(5) << qint64(0) << 1 << u"5 sets added, 1 rows skipped."_s;
+        QTest::newRow("all three") << qint64(3) << qint64(12) << 2 << u"3 set(s) added, 12 set(s) updated, 2 row(s) skipped."_s;
+        QTest::newRow("added only") << qint64(1) << qint64(0) << 0 << u"1 set(s) added."_s;
+        QTest::newRow("updated only") << qint64(0) << qint64(10000) << 0 << u"10000 set(s) updated."_s;
+        QTest::newRow("skipped only") << qint64(0) << qint64(0) << 7 << u"7 row(s) skipped."_s;
+        QTest::newRow("added and skipped") << qint64(5) << qint64(0) << 1 << u"5 set(s) added, 1 row(s) skipped."_s;
     }
 
     void partsAppearInOrderJoinedByCommasAndClosedByAFullStop()
@@ -55,7 +55,7 @@ private Q_SLOTS:
     {
         const QString message = ImportResultMessage::text(ImportResult{0, 1, {u"Line 2: missing set_number"_s}});
         QVERIFY(!message.contains(u"Line"_s));
-        QCOMPARE(message, u"1 sets updated, 1 rows skipped."_s);
+        QCOMPARE(message, u"1 set(s) updated, 1 row(s) skipped."_s);
     }
 
     void alertTextsHaveTheirEnglishWords()

@@ -11,15 +11,15 @@ QString ImportResultMessage::text(const CSVExportImportService::ImportResult &re
     // number of their own, so one text serves every count.
     QStringList parts;
     if (result.created > 0) {
-        //% "sets added"
+        //% "set(s) added"
         parts.append(QString::number(result.created) + u' ' + qtTrId("import.result.setsAdded"));
     }
     if (result.updated > 0) {
-        //% "sets updated"
+        //% "set(s) updated"
         parts.append(QString::number(result.updated) + u' ' + qtTrId("import.result.setsUpdated"));
     }
     if (!result.errors.isEmpty()) {
-        //% "rows skipped"
+        //% "row(s) skipped"
         parts.append(QString::number(result.errors.size()) + u' ' + qtTrId("import.result.rowsSkipped"));
     }
     if (parts.isEmpty()) {

@@ -13,8 +13,8 @@ class ImportResultMessage
 public:
     // Up to three parts, in this order and each only when its number is positive: the
     // copies and wishlist rows added, the copies updated, the rows skipped; joined by ", "
-    // and closed by ".": "3 sets added, 1 row skipped.". With no part at all, the text that
-    // says nothing changed.
+    // and closed by ".": "3 set(s) added, 1 row(s) skipped.". With no part at all, the
+    // text that says nothing changed.
     static QString text(const CSVExportImportService::ImportResult &result);
 
     static QString completeTitle();

@@ -795,15 +795,18 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <translation type="unfinished"></translation>
     </message>
     <message id="import.result.setsAdded">
-        <source>sets added</source>
+        <source>set(s) added</source>
+        <oldsource>sets added</oldsource>
         <translation type="unfinished"></translation>
     </message>
     <message id="import.result.setsUpdated">
-        <source>sets updated</source>
+        <source>set(s) updated</source>
+        <oldsource>sets updated</oldsource>
         <translation type="unfinished"></translation>
     </message>
     <message id="import.result.rowsSkipped">
-        <source>rows skipped</source>
+        <source>row(s) skipped</source>
+        <oldsource>rows skipped</oldsource>
         <translation type="unfinished"></translation>
     </message>
     <message id="import.result.noChanges">
