@@ -67,7 +67,9 @@ double childrenCpuMilliseconds()
 {
     rusage usage{};
     getrusage(RUSAGE_CHILDREN, &usage);
-    const auto milliseconds = [](const timeval &time) { return double(time.tv_sec) * 1e3 + double(time.tv_usec) / 1e3; };
+    const auto milliseconds = [](const timeval &time) {
+        return double(time.tv_sec) * 1e3 + double(time.tv_usec) / 1e3;
+    };
     return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
 }
 

@@ -151,7 +151,8 @@ public:
             qCWarning(lcPersistence) << "Import: reading the copies failed:" << error.description();
         }
         try {
-            const QList<WishlistItem> items = context.fetch(FetchRequest<WishlistItem>(Predicate::isNotNil(u"setNumber"_s)));
+            const QList<WishlistItem> items
+                = context.fetch(FetchRequest<WishlistItem>(Predicate::isNotNil(u"setNumber"_s)));
             for (const WishlistItem &item : items)
                 m_wishlistNumbers.insert(*item.setNumber);
         } catch (const StoreError &error) {
