@@ -957,5 +957,57 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Undone: %1</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="file.error.unreadable">
+        <source>The file “%1” couldn’t be opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="file.error.notText">
+        <source>The file “%1” couldn’t be opened because it isn’t in the correct format.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="file.error.notWritten">
+        <source>The file “%1” couldn’t be saved.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.error.emptyFile">
+        <source>The CSV file is empty.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.error.missingRequiredColumns">
+        <source>The CSV file is missing required columns (id, set_number).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.result.setsAdded">
+        <source>set(s) added</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.result.setsUpdated">
+        <source>set(s) updated</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.result.rowsSkipped">
+        <source>row(s) skipped</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.result.noChanges">
+        <source>No changes were made.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.complete.title">
+        <source>Import Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.failed.title">
+        <source>Import Failed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="general.ok">
+        <source>OK</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.error.fileAccess">
+        <source>Tessaloom could not get access to the selected file.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QException>
+#include <QString>
+
+// The collection CSV file on disk: its text, read from and written to a regular file in
+// UTF-8. Reading is strict, so a file that is not text never reaches the import as a
+// string of replacement characters.
+class CSVDocument
+{
+public:
+    // Why a file could not be read or written. A QException, so it crosses QFuture and
+    // co_await with its type.
+    class FileError : public QException
+    {
+    public:
+        enum class Kind {
+            unreadable, // "The file “%1” couldn’t be opened."
+            notText,    // "The file “%1” couldn’t be opened because it isn’t in the correct format."
+            notWritten, // "The file “%1” couldn’t be saved."
+        };
+
+        FileError(Kind kind, QString fileName);
+
+        Kind kind() const { return m_kind; }
+        QString fileName() const { return m_fileName; }
+        // The sentence the failure alert shows, in the user's language.
+        QString description() const;
+
+        const char *what() const noexcept override { return m_what.constData(); }
+        void raise() const override { throw *this; }
+        FileError *clone() const override { return new FileError(*this); }
+
+    private:
+        Kind m_kind;
+        QString m_fileName;
+        QByteArray m_what;
+    };
+
+    CSVDocument() = default;
+    explicit CSVDocument(QString csv)
+        : m_csv(std::move(csv))
+    {
+    }
+
+    QString csv() const { return m_csv; }
+
+    // The text of the file at `path`. A file that cannot be opened throws unreadable; one
+    // with no bytes or with bytes that are not UTF-8 throws notText. A byte-order mark at
+    // the start is kept as U+FEFF, as CSVFieldSyntax::textFromUtf8() keeps it.
+    static CSVDocument read(const QString &path);
+    // The same for bytes already read; `fileName` names the file in the error.
+    static CSVDocument fromBytes(QByteArrayView bytes, const QString &fileName);
+    // Writes the UTF-8 bytes of the text to `path` atomically. Throws notWritten.
+    void write(const QString &path) const;
+
+private:
+    QString m_csv;
+};
