@@ -4,6 +4,7 @@
 #include "Store/BrickSetRowOrder.h"
 
 #include "Logging.h"
+#include "Store/CopyChangeFilter.h"
 #include "Store/PersistentContainer.h"
 #include "Store/StoreObserver.h"
 
@@ -81,7 +82,7 @@ int BrickSetListModel::rowOf(const ObjectID &id) const
 
 void BrickSetListModel::onObjectsDidChange(const StoreChanges &changes)
 {
-    if (!changes.touchesAny(m_entitiesRead))
+    if (!changes.touchesAny(m_entitiesRead) || !CopyChangeFilter(m_context, changes).mayChange(m_entitiesRead))
         return;
     QList<ObjectID> ids;
     try {

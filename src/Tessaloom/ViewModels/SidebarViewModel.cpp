@@ -6,6 +6,7 @@
 #include "Services/RebrickableCatalog.h"
 #include "Store/BrickSetQueries.h"
 #include "Store/ManagedObjectContext.h"
+#include "Store/CopyChangeFilter.h"
 #include "Store/StoreObserver.h"
 #include "ViewModels/SidebarVisibilitySettings.h"
 
@@ -173,8 +174,12 @@ void SidebarViewModel::loadThemeTree()
 
 void SidebarViewModel::recount(const StoreChanges *changes)
 {
+    std::optional<CopyChangeFilter> filter;
+    if (changes)
+        filter.emplace(m_viewContext, *changes);
     for (Kind kind : badgeKinds) {
-        if (changes && !changes->touchesAny(m_entitiesRead.value(kind)))
+        const QSet<EntityType> entitiesRead = m_entitiesRead.value(kind);
+        if (changes && (!changes->touchesAny(entitiesRead) || (kind != Kind::wishlist && !filter->mayChange(entitiesRead))))
             continue;
         const qint64 fresh = count(kind);
         const auto old = m_counts.constFind(kind);
