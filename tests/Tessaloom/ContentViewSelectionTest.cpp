@@ -252,6 +252,17 @@ private Q_SLOTS:
         QCOMPARE(content().wishlistView()->selectedSetNumber(), std::nullopt);
     }
 
+    void ctrlOneAndTwoSwitchTheWishlistsPicker()
+    {
+        showContent();
+        sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::wishlist));
+        list().setGridView(true);
+        QTest::keyClick(m_content.get(), Qt::Key_2, Qt::ControlModifier);
+        QVERIFY(!list().isGridView());
+        QTest::keyClick(m_content.get(), Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(list().isGridView());
+    }
+
     void trashingFromTheListIsOfferedForUndo()
     {
         content().setSelectedBrickSet(m_falconCopy.objectID);

@@ -208,7 +208,7 @@ QCoro::Task<ObjectID> CatalogSyncService::syncSet(QString setNumber)
     const QString themePath = catalog->themePath(found->themeID);
 
     co_await m_setWriting->acquire();
-    auto permit = std::make_unique<AsyncSemaphore::Permit>(*m_setWriting);
+    const AsyncSemaphore::Permit permit(*m_setWriting);
     // Named before it is awaited: GCC 12 destroys the captures of a lambda written inside
     // a co_await expression twice.
     QFuture<ObjectID> writing = context->perform([number, row = *found, theme, themePath](ManagedObjectContext &store) {
@@ -237,7 +237,6 @@ QCoro::Task<ObjectID> CatalogSyncService::syncSet(QString setNumber)
         return set.objectID;
     });
     const ObjectID objectID = co_await writing;
-    permit.reset();
 
     co_await syncParts(number, objectID);
     co_return objectID;

@@ -17,8 +17,9 @@ class PersistenceController;
 //
 // Its coroutines run on the main thread, so calls run one at a time and give up their turn
 // only while a context's perform() runs on its worker; two calls can interleave there,
-// except for the find-or-create of the set itself, which one call at a time makes, so that
-// two syncs of one number at once (two screens adding the same set) make one CatalogSet.
+// except that syncSet() runs one at a time, its set and its parts lines both, so that two
+// syncs of one number at once (two screens adding the same set) make one CatalogSet with
+// one line per part and colour.
 // Each operation makes its own background context and drops it at the end: the service
 // holds no state besides the store.
 class CatalogSyncService
@@ -48,5 +49,5 @@ private:
     std::shared_ptr<ManagedObjectContext> newContext() const;
 
     PersistenceController &m_persistenceController;
-    std::unique_ptr<AsyncSemaphore> m_setWriting; // one find-or-create of a set at a time
+    std::unique_ptr<AsyncSemaphore> m_setWriting; // one syncSet() at a time
 };

@@ -106,6 +106,12 @@ void WishlistListView::buildBar()
     m_tableAction->setObjectName(u"wishlistTableAction"_s);
     m_gridAction->setCheckable(true);
     m_tableAction->setCheckable(true);
+    // The set list's keys: only the picker on show answers them, the other list's being
+    // hidden behind it.
+    m_gridAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_1));
+    m_tableAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_2));
+    m_gridAction->setShortcutContext(Qt::WindowShortcut);
+    m_tableAction->setShortcutContext(Qt::WindowShortcut);
     m_picker = new QWidget(this);
     m_picker->setObjectName(u"wishlistViewPicker"_s);
     //% "View"
