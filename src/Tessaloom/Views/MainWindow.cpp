@@ -4,6 +4,7 @@
 #include "Services/AppUpdateService.h"
 #include "Store/PersistentContainer.h"
 #include "Views/CatalogStatusIndicator.h"
+#include "Views/CollectionFileCommands.h"
 #include "Views/ContentView.h"
 #include "Views/PartsChecklistWindowGroup.h"
 #include "Views/SetListView.h"
@@ -41,6 +42,7 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
     , m_sampleCatalogNotice(new SampleCatalogNotice(catalogService))
     , m_catalogStatusIndicator(new CatalogStatusIndicator(catalogService, statusBar()))
     , m_undoNotice(new UndoStatusNotice(m_contentView->undoStack(), statusBar()))
+    , m_fileCommands(new CollectionFileCommands(container, this))
     , m_partsChecklistWindows(new PartsChecklistWindowGroup(container.viewContext(), this, this))
 {
     setObjectName(u"mainWindow"_s);
@@ -73,6 +75,15 @@ void MainWindow::buildMenus()
 {
     //% "&File"
     QMenu *fileMenu = menuBar()->addMenu(qtTrId("menu.file"));
+    fileMenu->addAction(m_fileCommands->exportAction());
+    fileMenu->addAction(m_fileCommands->importAction());
+    fileMenu->addSeparator();
+    connect(m_fileCommands, &CollectionFileCommands::statusMessage, this, [this](const QString &text) {
+        if (text.isEmpty())
+            statusBar()->clearMessage();
+        else
+            statusBar()->showMessage(text);
+    });
     //% "&Quit"
     QAction *quit = fileMenu->addAction(qtTrId("menu.quit"), qApp, &QApplication::closeAllWindows);
     quit->setShortcut(QKeySequence::Quit);

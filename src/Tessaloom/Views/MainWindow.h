@@ -9,6 +9,7 @@
 class AppUpdateService;
 class CatalogDatabaseService;
 class CatalogStatusIndicator;
+class CollectionFileCommands;
 class ContentView;
 class PartsChecklistWindow;
 class PartsChecklistWindowGroup;
@@ -35,6 +36,8 @@ public:
     QAction *undoAction() const { return m_undoAction; }
     QAction *redoAction() const { return m_redoAction; }
     UndoStatusNotice *undoNotice() const { return m_undoNotice; }
+    // File → Export… (Ctrl+E) and File → Import… (Ctrl+I) of the collection's CSV file.
+    CollectionFileCommands *fileCommands() const { return m_fileCommands; }
     PartsChecklistWindowGroup *partsChecklistWindows() const { return m_partsChecklistWindows; }
 
     // Opens the parts checklist window of the copy `brickSet`, or brings its open window
@@ -65,6 +68,7 @@ private:
     QAction *m_undoAction = nullptr;
     QAction *m_redoAction = nullptr;
     UndoStatusNotice *m_undoNotice;
+    CollectionFileCommands *m_fileCommands;
     PartsChecklistWindowGroup *m_partsChecklistWindows;
     bool m_hasAppeared = false;
 };

@@ -1009,5 +1009,25 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Tessaloom could not get access to the selected file.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="menu.exportData">
+        <source>Export…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.importData">
+        <source>Import…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.status.reading.">
+        <source>Importing “%1”…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.status.progress.">
+        <source>Importing “%1”: %2 of %3 rows</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="file.filter.csv">
+        <source>CSV Files (*.csv);;All Files (*)</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Views/CollectionFileCommands.h"
+
+#include "Logging.h"
+#include "Services/CSVDocument.h"
+#include "Services/ImportResultMessage.h"
+#include "Store/PersistentContainer.h"
+#include "Store/StoreError.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLocale>
+#include <QMessageBox>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString csvSuffix = u"csv"_s;
+} // namespace
+
+CollectionFileCommands::CollectionFileCommands(PersistentContainer &container, QWidget *window)
+    : QObject(window)
+    , m_container(container)
+    , m_window(window)
+    , m_exportAction(new QAction(this))
+    , m_importAction(new QAction(this))
+{
+    //% "Export…"
+    m_exportAction->setText(qtTrId("menu.exportData"));
+    //% "Import…"
+    m_importAction->setText(qtTrId("menu.importData"));
+    m_chooseFile = [this](FileDialogMode mode, const QString &suggestedName) {
+        return chooseWithDialog(mode, suggestedName);
+    };
+    m_presentAlert = [this](const QString &title, const QString &text, bool isFailure) {
+        showAlertBox(title, text, isFailure);
+    };
+    m_exportAction->setObjectName(u"exportDataAction"_s);
+    m_importAction->setObjectName(u"importDataAction"_s);
+    m_exportAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    m_importAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+    connect(m_exportAction, &QAction::triggered, this, [this] { exportData(); });
+    connect(m_importAction, &QAction::triggered, this, &CollectionFileCommands::importData);
+}
+
+bool CollectionFileCommands::exportData()
+{
+    const QString path = m_chooseFile(FileDialogMode::save, defaultExportName);
+    if (path.isEmpty())
+        return false;
+    try {
+        CSVDocument(CSVExportImportService::exportCSV(m_container.viewContext())).write(path);
+        return true;
+    } catch (const CSVDocument::FileError &error) {
+        qCWarning(lcApp).noquote() << u"CSV export failed: %1"_s.arg(error.description());
+        return false;
+    }
+}
+
+void CollectionFileCommands::importData()
+{
+    // One import at a time: a second one would read rows the first has not saved yet.
+    if (m_isImporting)
+        return;
+    const QString path = m_chooseFile(FileDialogMode::open, QString());
+    if (!path.isEmpty())
+        importFile(path);
+}
+
+QCoro::Task<> CollectionFileCommands::importFile(QString path)
+{
+    QPointer<CollectionFileCommands> self(this);
+    m_isImporting = true;
+    m_importAction->setEnabled(false);
+    const QString fileName = QFileInfo(path).fileName();
+    //% "Importing “%1”…"
+    Q_EMIT statusMessage(qtTrId("import.status.reading.").arg(fileName));
+
+    std::optional<CSVExportImportService::ImportResult> result;
+    QString failure;
+    try {
+        const CSVDocument document = CSVDocument::read(path);
+        const auto progress = [self, fileName](qint64 rowsDone, qint64 rowsTotal) {
+            if (!self)
+                return;
+            //% "Importing “%1”: %2 of %3 rows"
+            Q_EMIT self->statusMessage(qtTrId("import.status.progress.")
+                                           .arg(fileName, QLocale().toString(rowsDone), QLocale().toString(rowsTotal)));
+        };
+        result = co_await CSVExportImportService::importInBackground(m_container, document.csv(), progress);
+    } catch (const CSVDocument::FileError &error) {
+        failure = error.description();
+    } catch (const CSVExportImportService::ImportError &error) {
+        failure = error.description();
+    } catch (const StoreError &error) {
+        failure = error.description();
+    }
+    if (!self)
+        co_return; // the window went while the import ran; its changes are saved or not
+    m_isImporting = false;
+    m_importAction->setEnabled(true);
+    Q_EMIT statusMessage(QString());
+    if (result)
+        m_presentAlert(ImportResultMessage::completeTitle(), ImportResultMessage::text(*result), false);
+    else
+        m_presentAlert(ImportResultMessage::failedTitle(), failure, true);
+    Q_EMIT importFinished();
+}
+
+QString CollectionFileCommands::chooseWithDialog(FileDialogMode mode, const QString &suggestedName) const
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    //% "CSV Files (*.csv);;All Files (*)"
+    const QString filter = qtTrId("file.filter.csv");
+    if (mode == FileDialogMode::open)
+        return QFileDialog::getOpenFileName(m_window, m_importAction->text().remove(u'…'), folder, filter);
+    QFileDialog dialog(m_window, m_exportAction->text().remove(u'…'), folder, filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(csvSuffix);
+    dialog.selectFile(suggestedName + u'.' + csvSuffix);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return QString();
+    return dialog.selectedFiles().first();
+}
+
+void CollectionFileCommands::showAlertBox(const QString &title, const QString &text, bool isFailure) const
+{
+    QMessageBox box(isFailure ? QMessageBox::Warning : QMessageBox::Information, title, text, QMessageBox::NoButton,
+                    m_window);
+    box.addButton(ImportResultMessage::okButton(), QMessageBox::AcceptRole);
+    box.exec();
+}
