@@ -2,105 +2,15 @@
 #include "CSVCodec.h"
 
 #include "CSVColumnMap.h"
+#include "CSVRowReader.h"
 #include "CSVValueFormat.h"
-
-#include <array>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// The columns in file order; the values index columnNames().
-enum class Column {
-    id,
-    setNumber,
-    setName,
-    year,
-    theme,
-    pieceCount,
-    dateAdded,
-    isFavorite,
-    rating,
-    notes,
-    acquisitionType,
-    acquisitionDate,
-    acquisitionSource,
-    pricePaid,
-    priceCurrency,
-    overallCondition,
-    boxCondition,
-    instructionsCondition,
-    builtStatus,
-    stickerStatus,
-    completeness,
-    isDisposed,
-    disposalType,
-    disposalDate,
-    disposalPrice,
-    disposalCurrency,
-    disposalNotes,
-    isTrashed,
-    trashedDate,
-};
-constexpr int columnCount = int(Column::trashedDate) + 1;
-
-// What one row holds, read once per row through the positions the header gave.
-class RowReader
-{
-public:
-    RowReader(const std::array<std::optional<qsizetype>, columnCount> &positions, const QList<QStringView> &fields)
-        : m_positions(positions)
-        , m_fields(fields)
-    {
-    }
-
-    std::optional<QStringView> value(Column column) const
-    {
-        return CSVColumnMap::value(m_fields, m_positions[std::size_t(column)]);
-    }
-
-    std::optional<QString> text(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field ? std::optional<QString>(field->toString()) : std::nullopt;
-    }
-
-    std::optional<qint64> integer(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field ? CSVValueFormat::integer(*field) : std::nullopt;
-    }
-
-    std::optional<QDateTime> date(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field ? CSVValueFormat::date(*field) : std::nullopt;
-    }
-
-    std::optional<Decimal> decimal(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field ? CSVValueFormat::decimal(*field) : std::nullopt;
-    }
-
-    bool boolean(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field && CSVValueFormat::boolean(*field);
-    }
-
-    // The case whose raw value the field holds; a text that names no case is absent.
-    template <ClosedVocabulary E>
-    std::optional<E> vocabulary(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field ? Vocabulary::fromRawValue<E>(*field) : std::nullopt;
-    }
-
-private:
-    const std::array<std::optional<qsizetype>, columnCount> &m_positions;
-    const QList<QStringView> &m_fields;
-};
+using Column = CSVColumn;
+using RowReader = CSVRowReader;
 
 void appendSeparator(QString &line)
 {
@@ -203,7 +113,7 @@ const QStringList &CSVCodec::columnNames()
         u"is_trashed"_s,
         u"trashed_date"_s,
     };
-    Q_ASSERT(names.size() == columnCount);
+    Q_ASSERT(names.size() == csvRecordColumnCount);
     return names;
 }
 
@@ -272,9 +182,7 @@ CSVCodec::DecodeResult CSVCodec::decode(QStringView text)
         throw DecodeError(DecodeError::Kind::missingRequiredColumns);
 
     // Each column's position is looked up once for the whole file, not once per row.
-    std::array<std::optional<qsizetype>, columnCount> positions;
-    for (int column = 0; column < columnCount; ++column)
-        positions[std::size_t(column)] = columns.position(columnNames().at(column));
+    const CSVRowReader::Positions positions = CSVRowReader::positions(columns, columnNames());
 
     // One time for every row that has no readable date_added: the rows of one import were
     // added together.

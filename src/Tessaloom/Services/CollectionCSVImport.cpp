@@ -3,6 +3,7 @@
 
 #include "CSVColumnMap.h"
 #include "CSVFieldSyntax.h"
+#include "CSVRowReader.h"
 #include "CSVValueFormat.h"
 #include "Logging.h"
 #include "Services/RebrickableCatalog.h"
@@ -11,9 +12,6 @@
 #include <QHash>
 #include <QSet>
 
-#include <array>
-#include <limits>
-
 using namespace Qt::StringLiterals;
 using CSVExportImportService::ImportError;
 using CSVExportImportService::ImportProgress;
@@ -21,98 +19,8 @@ using CSVExportImportService::ImportResult;
 
 namespace {
 
-// The columns in file order; the values index CSVExportImportService::columnNames().
-enum class Column {
-    id,
-    setNumber,
-    setName,
-    year,
-    theme,
-    pieceCount,
-    dateAdded,
-    isFavorite,
-    rating,
-    notes,
-    acquisitionType,
-    acquisitionDate,
-    acquisitionSource,
-    pricePaid,
-    priceCurrency,
-    overallCondition,
-    boxCondition,
-    instructionsCondition,
-    builtStatus,
-    stickerStatus,
-    completeness,
-    isDisposed,
-    disposalType,
-    disposalDate,
-    disposalPrice,
-    disposalCurrency,
-    disposalNotes,
-    isTrashed,
-    trashedDate,
-    retiredDate,
-    entryType,
-};
-constexpr int columnCount = int(Column::entryType) + 1;
-
-// One row's fields read through the positions the header gave.
-class RowReader
-{
-public:
-    RowReader(const std::array<std::optional<qsizetype>, columnCount> &positions, const QList<QStringView> &fields)
-        : m_positions(positions)
-        , m_fields(fields)
-    {
-    }
-
-    // Trimmed of spaces and tabs; absent when the column is missing, the row too short or
-    // the field empty.
-    std::optional<QStringView> value(Column column) const
-    {
-        return CSVColumnMap::value(m_fields, m_positions[std::size_t(column)]);
-    }
-
-    std::optional<QString> text(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field ? std::optional<QString>(field->toString()) : std::nullopt;
-    }
-
-    // The integer of the field when it fits T; nothing otherwise.
-    template <typename T>
-    std::optional<T> integer(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        const std::optional<qint64> number = field ? CSVValueFormat::integer(*field) : std::nullopt;
-        if (!number || *number < std::numeric_limits<T>::min() || *number > std::numeric_limits<T>::max())
-            return std::nullopt;
-        return T(*number);
-    }
-
-    std::optional<QDateTime> date(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field ? CSVValueFormat::date(*field) : std::nullopt;
-    }
-
-    std::optional<Decimal> decimal(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field ? CSVValueFormat::decimal(*field) : std::nullopt;
-    }
-
-    bool boolean(Column column) const
-    {
-        const std::optional<QStringView> field = value(column);
-        return field && CSVValueFormat::boolean(*field);
-    }
-
-private:
-    const std::array<std::optional<qsizetype>, columnCount> &m_positions;
-    const QList<QStringView> &m_fields;
-};
+using Column = CSVColumn;
+using RowReader = CSVRowReader;
 
 QString lineError(qsizetype lineNumber, QStringView what)
 {
@@ -231,9 +139,9 @@ void importWishlistRow(const RowReader &row, const QString &number, const QDateT
     WishlistItem item;
     item.setNumber = number;
     item.setName = row.text(Column::setName);
-    if (const std::optional<qint16> year = row.integer<qint16>(Column::year))
+    if (const std::optional<qint16> year = row.integerAs<qint16>(Column::year))
         item.year = *year;
-    if (const std::optional<qint32> pieces = row.integer<qint32>(Column::pieceCount))
+    if (const std::optional<qint32> pieces = row.integerAs<qint32>(Column::pieceCount))
         item.pieceCount = *pieces;
     item.themeName = row.text(Column::theme);
     item.notes = row.text(Column::notes);
@@ -250,11 +158,11 @@ bool importOwnedRow(const RowReader &row, const QString &number, const QUuid &id
     // What the file says overrides what a sync wrote; an empty field keeps it.
     if (std::optional<QString> name = row.text(Column::setName))
         set.name = std::move(name);
-    if (const std::optional<qint16> year = row.integer<qint16>(Column::year))
+    if (const std::optional<qint16> year = row.integerAs<qint16>(Column::year))
         set.year = *year;
     if (std::optional<QString> theme = row.text(Column::theme))
         set.themeName = std::move(theme);
-    if (const std::optional<qint32> pieces = row.integer<qint32>(Column::pieceCount))
+    if (const std::optional<qint32> pieces = row.integerAs<qint32>(Column::pieceCount))
         set.pieceCount = *pieces;
     if (const std::optional<QStringView> retired = row.value(Column::retiredDate))
         set.dateLastAvailable = CSVValueFormat::date(*retired);
@@ -277,7 +185,7 @@ bool importOwnedRow(const RowReader &row, const QString &number, const QUuid &id
     copy.isFavorite = row.boolean(Column::isFavorite);
     copy.isDisposed = row.boolean(Column::isDisposed);
     copy.isTrashed = row.boolean(Column::isTrashed);
-    if (const std::optional<qint16> rating = row.integer<qint16>(Column::rating))
+    if (const std::optional<qint16> rating = row.integerAs<qint16>(Column::rating))
         copy.rating = *rating;
 
     // Always written: on an existing copy a missing or empty column clears the value. The
@@ -327,10 +235,8 @@ ImportResult CollectionCSVImport::run(QStringView text, ManagedObjectContext &co
     // Only the set number is required: wishlist rows have no id.
     if (!header.contains(u"set_number"_s))
         throw ImportError(ImportError::Kind::missingRequiredColumns);
-    Q_ASSERT(CSVExportImportService::columnNames().size() == columnCount);
-    std::array<std::optional<qsizetype>, columnCount> positions;
-    for (int column = 0; column < columnCount; ++column)
-        positions[std::size_t(column)] = header.position(CSVExportImportService::columnNames().at(column));
+    Q_ASSERT(CSVExportImportService::columnNames().size() == csvCollectionColumnCount);
+    const CSVRowReader::Positions positions = CSVRowReader::positions(header, CSVExportImportService::columnNames());
 
     ImportIndex index(context);
     CatalogLookUp catalog;
