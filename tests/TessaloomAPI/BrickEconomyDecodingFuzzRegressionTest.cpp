@@ -7,6 +7,8 @@
 // fuzzing the decoding on every build, with or without libFuzzer.
 #include "BrickEconomyDecodingFuzzCheck.h"
 
+#include "ByteMutator.h"
+
 #include <QDeadlineTimer>
 #include <QDirIterator>
 #include <QElapsedTimer>
@@ -24,50 +26,11 @@ Q_DECLARE_METATYPE(Verdict)
 
 namespace {
 
-QList<QByteArray> keptAnswers()
+// The bytes JSON cares about come up more often than chance.
+const ByteMutator &mutator()
 {
-    QList<QByteArray> answers;
-    QDirIterator inputs(QStringLiteral(BRICKECONOMY_FUZZ_REGRESSIONS_DIR), QDir::Files);
-    while (inputs.hasNext()) {
-        QFile file(inputs.next());
-        if (file.open(QIODevice::ReadOnly))
-            answers << file.readAll();
-    }
-    return answers;
-}
-
-// One random change of `body`; the bytes JSON cares about come up more often than chance.
-QByteArray mutated(QByteArray body, const QList<QByteArray> &answers, QRandomGenerator &random)
-{
-    static const QByteArray structural = "{}[]\":,0123456789.-eE\\ntfu";
-    const auto at = [&] { return body.isEmpty() ? 0 : qsizetype(random.bounded(int(body.size()))); };
-    switch (random.bounded(6)) {
-    case 0:
-        if (!body.isEmpty())
-            body[at()] ^= char(1 << random.bounded(8));
-        break;
-    case 1:
-        body.insert(at(), structural.at(random.bounded(int(structural.size()))));
-        break;
-    case 2:
-        if (!body.isEmpty())
-            body.remove(at(), 1 + random.bounded(8));
-        break;
-    case 3: {
-        const qsizetype from = at();
-        body.insert(from, body.mid(from, 1 + random.bounded(32)));
-        break;
-    }
-    case 4:
-        body.truncate(at());
-        break;
-    default: {
-        const QByteArray &other = answers.at(random.bounded(int(answers.size())));
-        body = body.left(at()) + other.mid(other.isEmpty() ? 0 : random.bounded(int(other.size())));
-        break;
-    }
-    }
-    return body;
+    static const ByteMutator jsonBytes("{}[]\":,0123456789.-eE\\ntfu", {}, 32);
+    return jsonBytes;
 }
 
 } // namespace
@@ -105,7 +68,7 @@ private Q_SLOTS:
 
     void mutatedAnswersEndInAValueOrADecodingErrorForFiveSeconds()
     {
-        const QList<QByteArray> answers = keptAnswers();
+        const QList<QByteArray> answers = ByteMutator::readFiles(QStringLiteral(BRICKECONOMY_FUZZ_REGRESSIONS_DIR));
         QVERIFY(!answers.isEmpty());
         // A fixed seed: a failure found here comes back on every run until it is fixed.
         QRandomGenerator random(20261124);
@@ -116,7 +79,7 @@ private Q_SLOTS:
             QByteArray body = answers.at(random.bounded(int(answers.size())));
             const int changes = 1 + random.bounded(4);
             for (int change = 0; change < changes; ++change)
-                body = mutated(std::move(body), answers, random);
+                body = mutator().mutated(std::move(body), answers, random);
             QElapsedTimer one;
             one.start();
             const Verdict verdict = BrickEconomyDecodingFuzzCheck::verdict(body);

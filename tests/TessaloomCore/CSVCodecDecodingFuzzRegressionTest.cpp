@@ -8,6 +8,8 @@
 // build, with or without libFuzzer.
 #include "CSVCodecDecodingFuzzCheck.h"
 
+#include "ByteMutator.h"
+
 #include <QDeadlineTimer>
 #include <QDirIterator>
 #include <QElapsedTimer>
@@ -25,59 +27,19 @@ Q_DECLARE_METATYPE(Verdict)
 
 namespace {
 
-QList<QByteArray> keptFiles()
+// The bytes the CSV reader cares about come up more often than chance, and so do the
+// pieces of dates, numbers and identifiers.
+const ByteMutator &mutator()
 {
-    QList<QByteArray> files;
-    QDirIterator inputs(QStringLiteral(CSVCODEC_FUZZ_REGRESSIONS_DIR), QDir::Files);
-    while (inputs.hasNext()) {
-        QFile file(inputs.next());
-        if (file.open(QIODevice::ReadOnly))
-            files << file.readAll();
-    }
-    return files;
-}
-
-// One random change of `body`; the bytes the CSV reader cares about come up more often than
-// chance, and so do the pieces of dates, numbers and identifiers.
-QByteArray mutated(QByteArray body, const QList<QByteArray> &files, QRandomGenerator &random)
-{
-    static const QByteArray structural = ",\"\n\r\t -:+.TZe0123456789abcdefABCDEF";
-    static const QList<QByteArray> tokens{
-        "\"\"", "\r\n", ",\"", "\",", "true", "1", "id", "set_number", "2024-03-15", "2024-03-15T10:20:30Z",
-        "+05:30", "9999999999999999999999999999999999999999", "1e4000", "-0.", "\xE2\x80\xA8", "\xC2\x85",
-        "\xEF\xBB\xBF", "\xC2\xA0", "\xFF", "8D5B2C4E-0F1A-4B7C-9E3D-2A6F1B0C9D8E",
-    };
-    const auto at = [&] { return body.isEmpty() ? 0 : qsizetype(random.bounded(int(body.size()))); };
-    switch (random.bounded(7)) {
-    case 0:
-        if (!body.isEmpty())
-            body[at()] ^= char(1 << random.bounded(8));
-        break;
-    case 1:
-        body.insert(at(), structural.at(random.bounded(int(structural.size()))));
-        break;
-    case 2:
-        if (!body.isEmpty())
-            body.remove(at(), 1 + random.bounded(8));
-        break;
-    case 3: {
-        const qsizetype from = at();
-        body.insert(from, body.mid(from, 1 + random.bounded(64)));
-        break;
-    }
-    case 4:
-        body.truncate(at());
-        break;
-    case 5:
-        body.insert(at(), tokens.at(random.bounded(int(tokens.size()))));
-        break;
-    default: {
-        const QByteArray &other = files.at(random.bounded(int(files.size())));
-        body = body.left(at()) + other.mid(other.isEmpty() ? 0 : random.bounded(int(other.size())));
-        break;
-    }
-    }
-    return body;
+    static const ByteMutator csvBytes(",\"\n\r\t -:+.TZe0123456789abcdefABCDEF",
+                                      {
+                                          "\"\"", "\r\n", ",\"", "\",", "true", "1", "id", "set_number", "2024-03-15",
+                                          "2024-03-15T10:20:30Z", "+05:30", "9999999999999999999999999999999999999999",
+                                          "1e4000", "-0.", "\xE2\x80\xA8", "\xC2\x85", "\xEF\xBB\xBF", "\xC2\xA0", "\xFF",
+                                          "8D5B2C4E-0F1A-4B7C-9E3D-2A6F1B0C9D8E",
+                                      },
+                                      64);
+    return csvBytes;
 }
 
 } // namespace
@@ -117,7 +79,7 @@ private Q_SLOTS:
 
     void mutatedFilesEndInRecordsOrADecodeErrorForFiveSeconds()
     {
-        const QList<QByteArray> files = keptFiles();
+        const QList<QByteArray> files = ByteMutator::readFiles(QStringLiteral(CSVCODEC_FUZZ_REGRESSIONS_DIR));
         QVERIFY(!files.isEmpty());
         // A fixed seed: a failure found here comes back on every run until it is fixed.
         QRandomGenerator random(20261125);
@@ -128,7 +90,7 @@ private Q_SLOTS:
             QByteArray body = files.at(random.bounded(int(files.size())));
             const int changes = 1 + random.bounded(4);
             for (int change = 0; change < changes; ++change)
-                body = mutated(std::move(body), files, random);
+                body = mutator().mutated(std::move(body), files, random);
             QElapsedTimer one;
             one.start();
             const Verdict verdict = CSVCodecDecodingFuzzCheck::verdict(body);
