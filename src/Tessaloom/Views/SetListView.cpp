@@ -10,6 +10,7 @@
 #include "Views/CatalogTableView.h"
 #include "Views/CellPictureLoader.h"
 #include "Views/EmptyStateView.h"
+#include "Views/GridTablePicker.h"
 #include "Views/SetGridCellPainter.h"
 #include "Views/SetGridItemView.h"
 #include "Views/SetGridView.h"
@@ -17,14 +18,12 @@
 #include "Views/SymbolIcon.h"
 
 #include <QAction>
-#include <QActionGroup>
 #include <QHBoxLayout>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QStackedWidget>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -146,44 +145,15 @@ void SetListView::buildBar()
     });
 
     // The picker between grid and table: two exclusive buttons.
-    auto *picker = new QActionGroup(this);
-    picker->setExclusive(true);
-    //% "Grid"
-    m_gridAction = new QAction(SymbolIcon::icon(u"square.grid.2x2"_s), qtTrId("setList.viewPicker.grid"), picker);
-    //% "Table"
-    m_tableAction = new QAction(SymbolIcon::icon(u"list.bullet"_s), qtTrId("setList.viewPicker.table"), picker);
-    m_gridAction->setCheckable(true);
-    m_tableAction->setCheckable(true);
-    m_gridAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_1));
-    m_tableAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_2));
-    m_gridAction->setShortcutContext(Qt::WindowShortcut);
-    m_tableAction->setShortcutContext(Qt::WindowShortcut);
-    auto *pickerBox = new QWidget(this);
-    pickerBox->setObjectName(u"setListViewPicker"_s);
     //% "View"
-    pickerBox->setAccessibleName(qtTrId("setList.viewPicker"));
-    pickerBox->setToolTip(qtTrId("setList.viewPicker"));
-    auto *pickerLayout = new QHBoxLayout(pickerBox);
-    pickerLayout->setContentsMargins(0, 0, 0, 0);
-    pickerLayout->setSpacing(0);
-    for (QAction *action : {m_gridAction, m_tableAction}) {
-        auto *button = new QToolButton(pickerBox);
-        button->setDefaultAction(action);
-        button->setAutoRaise(true);
-        pickerLayout->addWidget(button);
-        addAction(action);
-    }
-    bar->addWidget(pickerBox);
+    auto *picker = new GridTablePicker(m_viewModel, qtTrId("setList.viewPicker"), this);
+    picker->setObjectName(u"setListViewPicker"_s);
+    m_gridAction = picker->gridAction();
+    m_tableAction = picker->tableAction();
+    addAction(m_gridAction);
+    addAction(m_tableAction);
+    bar->addWidget(picker);
     static_cast<QVBoxLayout *>(layout())->addLayout(bar);
-
-    const auto showPicked = [this] {
-        m_gridAction->setChecked(m_viewModel.isGridView());
-        m_tableAction->setChecked(!m_viewModel.isGridView());
-    };
-    showPicked();
-    connect(m_gridAction, &QAction::triggered, &m_viewModel, [this] { m_viewModel.setGridView(true); });
-    connect(m_tableAction, &QAction::triggered, &m_viewModel, [this] { m_viewModel.setGridView(false); });
-    connect(&m_viewModel, &SetListViewModel::isGridViewChanged, this, showPicked);
 }
 
 void SetListView::buildCopyActions()

@@ -7,19 +7,18 @@
 #include "Views/CatalogGridItemView.h"
 #include "Views/CellPictureLoader.h"
 #include "Views/EmptyStateView.h"
+#include "Views/GridTablePicker.h"
 #include "Views/SetGridCellPainter.h"
 #include "Views/SetGridView.h"
 #include "Views/SymbolIcon.h"
 #include "Views/WishlistTableView.h"
 
 #include <QAction>
-#include <QActionGroup>
 #include <QHBoxLayout>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QMenu>
 #include <QStackedWidget>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -98,47 +97,16 @@ void WishlistListView::buildBar()
     bar->addWidget(m_title, 1);
 
     // The same two exclusive buttons as the set list's picker, on the same setting.
-    auto *picker = new QActionGroup(this);
-    picker->setExclusive(true);
-    m_gridAction = new QAction(SymbolIcon::icon(u"square.grid.2x2"_s), qtTrId("setList.viewPicker.grid"), picker);
-    m_tableAction = new QAction(SymbolIcon::icon(u"list.bullet"_s), qtTrId("setList.viewPicker.table"), picker);
+    //% "View"
+    auto *picker = new GridTablePicker(m_listViewModel, qtTrId("wishlist.viewPicker"), this);
+    picker->setObjectName(u"wishlistViewPicker"_s);
+    m_picker = picker;
+    m_gridAction = picker->gridAction();
+    m_tableAction = picker->tableAction();
     m_gridAction->setObjectName(u"wishlistGridAction"_s);
     m_tableAction->setObjectName(u"wishlistTableAction"_s);
-    m_gridAction->setCheckable(true);
-    m_tableAction->setCheckable(true);
-    // The set list's keys: only the picker on show answers them, the other list's being
-    // hidden behind it.
-    m_gridAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_1));
-    m_tableAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_2));
-    m_gridAction->setShortcutContext(Qt::WindowShortcut);
-    m_tableAction->setShortcutContext(Qt::WindowShortcut);
-    m_picker = new QWidget(this);
-    m_picker->setObjectName(u"wishlistViewPicker"_s);
-    //% "View"
-    m_picker->setAccessibleName(qtTrId("wishlist.viewPicker"));
-    m_picker->setToolTip(qtTrId("wishlist.viewPicker"));
-    auto *pickerLayout = new QHBoxLayout(m_picker);
-    pickerLayout->setContentsMargins(0, 0, 0, 0);
-    pickerLayout->setSpacing(0);
-    for (QAction *action : {m_gridAction, m_tableAction}) {
-        auto *button = new QToolButton(m_picker);
-        button->setDefaultAction(action);
-        button->setAutoRaise(true);
-        // Reached with Tab like any other control of the bar.
-        button->setFocusPolicy(Qt::StrongFocus);
-        pickerLayout->addWidget(button);
-    }
-    bar->addWidget(m_picker);
+    bar->addWidget(picker);
     static_cast<QVBoxLayout *>(layout())->addLayout(bar);
-
-    const auto showPicked = [this] {
-        m_gridAction->setChecked(m_listViewModel.isGridView());
-        m_tableAction->setChecked(!m_listViewModel.isGridView());
-    };
-    showPicked();
-    connect(m_gridAction, &QAction::triggered, &m_listViewModel, [this] { m_listViewModel.setGridView(true); });
-    connect(m_tableAction, &QAction::triggered, &m_listViewModel, [this] { m_listViewModel.setGridView(false); });
-    connect(&m_listViewModel, &SetListViewModel::isGridViewChanged, this, showPicked);
 }
 
 void WishlistListView::buildRemoveAction()
