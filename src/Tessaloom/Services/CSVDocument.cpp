@@ -25,6 +25,9 @@ QString CSVDocument::FileError::description() const
     case Kind::notWritten:
         //% "The file “%1” couldn’t be saved."
         return qtTrId("file.error.notWritten").arg(m_fileName);
+    case Kind::tooLarge:
+        //% "The file “%1” couldn’t be opened because it is larger than %2 MB."
+        return qtTrId("file.error.tooLarge.").arg(m_fileName).arg(maximumFileSize / (1024 * 1024));
     }
     return {};
 }
@@ -35,6 +38,8 @@ CSVDocument CSVDocument::read(const QString &path)
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         throw FileError(FileError::Kind::unreadable, fileName);
+    if (file.size() > maximumFileSize)
+        throw FileError(FileError::Kind::tooLarge, fileName);
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
         throw FileError(FileError::Kind::unreadable, fileName);

@@ -21,6 +21,8 @@ public:
             unreadable, // "The file “%1” couldn’t be opened."
             notText,    // "The file “%1” couldn’t be opened because it isn’t in the correct format."
             notWritten, // "The file “%1” couldn’t be saved."
+            // "The file “%1” couldn’t be opened because it is larger than 64 MB."
+            tooLarge,
         };
 
         FileError(Kind kind, QString fileName);
@@ -48,7 +50,12 @@ public:
 
     QString csv() const { return m_csv; }
 
+    // The largest file read: twenty times the export of the largest collections known. Its
+    // text takes about 130 MB in memory, and the import about as much again.
+    static constexpr qint64 maximumFileSize = qint64(64) * 1024 * 1024;
+
     // The text of the file at `path`. A file that cannot be opened throws unreadable; one
+    // larger than maximumFileSize throws tooLarge before a byte is read; one
     // with no bytes or with bytes that are not UTF-8 throws notText. A byte-order mark at
     // the start is kept as U+FEFF, as CSVFieldSyntax::textFromUtf8() keeps it.
     static CSVDocument read(const QString &path);

@@ -5,12 +5,12 @@
 #include "CSVFieldSyntax.h"
 #include "CSVValueFormat.h"
 #include "Logging.h"
+#include "Services/BackgroundImport.h"
 #include "Services/CollectionCSVImport.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistentContainer.h"
 
 #include <QCoreApplication>
-#include <QCoroFuture>
 #include <QLocale>
 #include <QObject>
 
@@ -129,8 +129,9 @@ void appendWishlistItem(QString &line, const WishlistItem &item)
 
 } // namespace
 
-ImportError::ImportError(Kind kind)
+ImportError::ImportError(Kind kind, QString detail)
     : m_kind(kind)
+    , m_detail(std::move(detail))
     , m_what(description().toUtf8())
 {
 }
@@ -144,6 +145,9 @@ QString ImportError::description() const
     case Kind::missingRequiredColumns:
         //% "The CSV file is missing required columns (id, set_number)."
         return qtTrId("import.error.missingRequiredColumns");
+    case Kind::unreadableSetList:
+        //% "The BrickLink inventory file couldn’t be read: %1"
+        return qtTrId("import.error.unreadableSetList.").arg(m_detail);
     }
     return {};
 }
@@ -194,26 +198,12 @@ ImportResult importCSV(QStringView text, ManagedObjectContext &context, const Im
 
 QCoro::Task<ImportResult> importInBackground(PersistentContainer &container, QString text, ImportProgress progress)
 {
-    // Progress reports travel to the main thread as queued calls on this object. It is made
-    // before the context, so it is destroyed after it: the context's destruction waits for
-    // its block, and no report can be posted to an object already gone.
-    const auto receiver = std::make_unique<QObject>();
-    const std::shared_ptr<ManagedObjectContext> context = container.newBackgroundContext();
-    context->setMergePolicy(ManagedObjectContext::MergePolicy::mergeByPropertyObjectTrump);
-    context->setName(u"backgroundContext"_s);
-
-    ImportProgress relay;
-    if (progress) {
-        relay = [target = receiver.get(), progress](qint64 done, qint64 total) {
-            QMetaObject::invokeMethod(target, [progress, done, total] { progress(done, total); }, Qt::QueuedConnection);
-        };
-    }
-    // Named before it is awaited: GCC 12 destroys the captures of a lambda written inside
-    // a co_await expression twice.
-    QFuture<ImportResult> importing = context->perform([text = std::move(text), relay](ManagedObjectContext &store) {
-        return importCSV(text, store, relay);
-    });
-    co_return co_await importing;
+    return BackgroundImport::run(
+        container,
+        [text = std::move(text)](ManagedObjectContext &store, const ImportProgress &relay) {
+            return importCSV(text, store, relay);
+        },
+        std::move(progress));
 }
 
 } // namespace CSVExportImportService

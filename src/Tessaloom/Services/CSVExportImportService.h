@@ -46,9 +46,12 @@ public:
     enum class Kind {
         emptyFile,              // "The CSV file is empty."
         missingRequiredColumns, // "The CSV file is missing required columns (id, set_number)."
+        // A set list of another collection tool that cannot be read as a whole:
+        // "The BrickLink inventory file couldn’t be read: %1", with the reader's own words.
+        unreadableSetList,
     };
 
-    explicit ImportError(Kind kind);
+    explicit ImportError(Kind kind, QString detail = {});
 
     Kind kind() const { return m_kind; }
     // The sentence the failure alert shows, in the user's language.
@@ -60,6 +63,7 @@ public:
 
 private:
     Kind m_kind;
+    QString m_detail;
     QByteArray m_what;
 };
 

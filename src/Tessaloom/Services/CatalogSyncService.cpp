@@ -3,6 +3,7 @@
 
 #include "Logging.h"
 #include "Services/AsyncSemaphore.h"
+#include "Services/CatalogSetFacts.h"
 #include "Services/RebrickableCatalog.h"
 #include "Services/SyncError.h"
 #include "SetNumberNormalizer.h"
@@ -15,7 +16,6 @@
 #include <QHash>
 #include <QSet>
 
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -27,20 +27,6 @@ constexpr qsizetype keysPerQuery = 200;
 
 // A part and a colour, by the primary keys of their store objects.
 using LineKey = QPair<qint64, qint64>;
-
-// A year outside the attribute's range means a broken catalog; storing a wrapped value
-// would put a wrong fact in the user's collection without a trace.
-qint16 storedYear(const CatalogSetResult &row)
-{
-    if (row.year < std::numeric_limits<qint16>::min() || row.year > std::numeric_limits<qint16>::max())
-        qFatal("The catalog year %d of set %s does not fit the store", row.year, qUtf8Printable(row.setNum));
-    return qint16(row.year);
-}
-
-bool isAbsentOrEmpty(const std::optional<QString> &text)
-{
-    return !text || text->isEmpty();
-}
 
 // Records `object` as new when it has no identifier yet, else as changed, and gives it
 // back with its identifier.
@@ -199,19 +185,15 @@ QCoro::Task<ObjectID> CatalogSyncService::syncSet(QString setNumber)
     const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::shared();
     if (!catalog)
         throw SyncError::catalogUnavailable();
-    const std::optional<CatalogSetResult> found = catalog->set(number);
-    if (!found)
+    const std::optional<CatalogSetFacts> facts = CatalogSetFacts::read(*catalog, number);
+    if (!facts)
         throw SyncError::setNotFound(number);
-    // The catalog is read here, on the service's turn; the block only decides whether the
-    // set still lacks its theme.
-    const std::optional<CatalogThemeResult> theme = catalog->theme(found->themeID);
-    const QString themePath = catalog->themePath(found->themeID);
 
     co_await m_setWriting->acquire();
     const AsyncSemaphore::Permit permit(*m_setWriting);
     // Named before it is awaited: GCC 12 destroys the captures of a lambda written inside
     // a co_await expression twice.
-    QFuture<ObjectID> writing = context->perform([number, row = *found, theme, themePath](ManagedObjectContext &store) {
+    QFuture<ObjectID> writing = context->perform([number, facts = *facts](ManagedObjectContext &store) {
         std::optional<CatalogSet> existing;
         try {
             existing = store.fetchFirst(FetchRequest<CatalogSet>(Predicate::equal(u"setNumber"_s, number)));
@@ -221,17 +203,7 @@ QCoro::Task<ObjectID> CatalogSyncService::syncSet(QString setNumber)
         CatalogSet set = existing.value_or(CatalogSet{});
         if (!existing)
             set.setNumber = number;
-        set.name = row.name;
-        set.year = storedYear(row);
-        set.pieceCount = row.numParts;
-        set.imageURL = row.imgURL;
-        set.lastSyncDate = QDateTime::currentDateTimeUtc();
-        // The theme is filled once and never corrected by a later sync, so what an import
-        // of the user's own list put there stays.
-        if (isAbsentOrEmpty(set.themeName) && theme)
-            set.themeName = theme->name;
-        if (isAbsentOrEmpty(set.themeGroup))
-            set.themeGroup = themePath;
+        facts.writeInto(set);
         set = insertOrUpdate(store, set);
         store.save();
         return set.objectID;

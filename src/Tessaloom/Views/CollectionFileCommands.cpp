@@ -3,7 +3,9 @@
 
 #include "Logging.h"
 #include "Services/CSVDocument.h"
+#include "Services/CollectionFileImport.h"
 #include "Services/ImportResultMessage.h"
+#include "Services/RebrickableSetListExport.h"
 #include "Store/PersistentContainer.h"
 #include "Store/StoreError.h"
 
@@ -27,11 +29,14 @@ CollectionFileCommands::CollectionFileCommands(PersistentContainer &container, Q
     , m_window(window)
     , m_exportAction(new QAction(this))
     , m_importAction(new QAction(this))
+    , m_exportSetListAction(new QAction(this))
 {
     //% "Export…"
     m_exportAction->setText(qtTrId("menu.exportData"));
     //% "Import…"
     m_importAction->setText(qtTrId("menu.importData"));
+    //% "Rebrickable Set List…"
+    m_exportSetListAction->setText(qtTrId("menu.exportAs.rebrickableSetList"));
     m_chooseFile = [this](FileDialogMode mode, const QString &suggestedName) {
         return chooseWithDialog(mode, suggestedName);
     };
@@ -40,10 +45,12 @@ CollectionFileCommands::CollectionFileCommands(PersistentContainer &container, Q
     };
     m_exportAction->setObjectName(u"exportDataAction"_s);
     m_importAction->setObjectName(u"importDataAction"_s);
+    m_exportSetListAction->setObjectName(u"exportRebrickableSetListAction"_s);
     m_exportAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
     m_importAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
     connect(m_exportAction, &QAction::triggered, this, [this] { exportData(); });
     connect(m_importAction, &QAction::triggered, this, &CollectionFileCommands::importData);
+    connect(m_exportSetListAction, &QAction::triggered, this, [this] { exportRebrickableSetList(); });
 }
 
 bool CollectionFileCommands::exportData()
@@ -56,6 +63,20 @@ bool CollectionFileCommands::exportData()
         return true;
     } catch (const CSVDocument::FileError &error) {
         qCWarning(lcApp).noquote() << u"CSV export failed: %1"_s.arg(error.description());
+        return false;
+    }
+}
+
+bool CollectionFileCommands::exportRebrickableSetList()
+{
+    const QString path = m_chooseFile(FileDialogMode::save, defaultSetListExportName);
+    if (path.isEmpty())
+        return false;
+    try {
+        CSVDocument(RebrickableSetListExport::text(m_container.viewContext())).write(path);
+        return true;
+    } catch (const CSVDocument::FileError &error) {
+        qCWarning(lcApp).noquote() << u"Rebrickable set list export failed: %1"_s.arg(error.description());
         return false;
     }
 }
@@ -82,7 +103,6 @@ QCoro::Task<> CollectionFileCommands::importFile(QString path)
     std::optional<CSVExportImportService::ImportResult> result;
     QString failure;
     try {
-        const CSVDocument document = CSVDocument::read(path);
         const auto progress = [self, fileName](qint64 rowsDone, qint64 rowsTotal) {
             if (!self)
                 return;
@@ -90,7 +110,7 @@ QCoro::Task<> CollectionFileCommands::importFile(QString path)
             Q_EMIT self->statusMessage(qtTrId("import.status.progress.")
                                            .arg(fileName, QLocale().toString(rowsDone), QLocale().toString(rowsTotal)));
         };
-        result = co_await CSVExportImportService::importInBackground(m_container, document.csv(), progress);
+        result = co_await CollectionFileImport::importFileInBackground(m_container, path, progress);
     } catch (const CSVDocument::FileError &error) {
         failure = error.description();
     } catch (const CSVExportImportService::ImportError &error) {
@@ -115,8 +135,12 @@ QString CollectionFileCommands::chooseWithDialog(FileDialogMode mode, const QStr
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     //% "CSV Files (*.csv);;All Files (*)"
     const QString filter = qtTrId("file.filter.csv");
-    if (mode == FileDialogMode::open)
-        return QFileDialog::getOpenFileName(m_window, m_importAction->text().remove(u'…'), folder, filter);
+    if (mode == FileDialogMode::open) {
+        // The collection's own file, Rebrickable's set list (CSV too) and BrickLink's XML.
+        //% "Collection Files (*.csv *.xml);;CSV Files (*.csv);;BrickLink XML (*.xml);;All Files (*)"
+        const QString importFilter = qtTrId("file.filter.import");
+        return QFileDialog::getOpenFileName(m_window, m_importAction->text().remove(u'…'), folder, importFilter);
+    }
     QFileDialog dialog(m_window, m_exportAction->text().remove(u'…'), folder, filter);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(csvSuffix);

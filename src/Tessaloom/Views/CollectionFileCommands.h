@@ -15,7 +15,9 @@ class QAction;
 class QWidget;
 
 // File → Export… and File → Import… of the main window: the whole collection, owned
-// copies and wishlist, out to one CSV file and back in.
+// copies and wishlist, out to one CSV file and back in. The import also takes the set lists
+// of other collection tools (see CollectionFileImport), and File → Export As → Rebrickable
+// Set List writes the sets the user has in Rebrickable's format.
 //
 // The export is written at once (the text of 10,000 copies takes a few dozen
 // milliseconds); a failure is logged, not shown. The import reads the file, runs on a
@@ -35,17 +37,24 @@ public:
 
     // The name the export suggests for its file.
     static inline const QString defaultExportName = QStringLiteral("Brick-Inventory");
+    // The name Export As → Rebrickable Set List suggests.
+    static inline const QString defaultSetListExportName = QStringLiteral("Brick-Inventory-Rebrickable");
 
     CollectionFileCommands(PersistentContainer &container, QWidget *window);
 
     QAction *exportAction() const { return m_exportAction; }
     QAction *importAction() const { return m_importAction; }
+    // The entries of File → Export As, in menu order.
+    QAction *exportSetListAction() const { return m_exportSetListAction; }
     void setFileChooser(FileChooser chooser) { m_chooseFile = std::move(chooser); }
     void setAlertPresenter(AlertPresenter presenter) { m_presentAlert = std::move(presenter); }
     bool isImporting() const { return m_isImporting; }
 
     // Asks for a file and writes the collection to it; returns whether a file was written.
     bool exportData();
+    // Asks for a file and writes the Rebrickable set list to it; returns whether a file was
+    // written.
+    bool exportRebrickableSetList();
     // Asks for a file and imports it; the alert at its end closes the import.
     void importData();
     // Imports the file at `path` as importData() does once the file is chosen.
@@ -64,6 +73,7 @@ private:
     QPointer<QWidget> m_window;
     QAction *m_exportAction;
     QAction *m_importAction;
+    QAction *m_exportSetListAction;
     FileChooser m_chooseFile;
     AlertPresenter m_presentAlert;
     bool m_isImporting = false;

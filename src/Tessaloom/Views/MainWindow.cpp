@@ -76,6 +76,10 @@ void MainWindow::buildMenus()
     //% "&File"
     QMenu *fileMenu = menuBar()->addMenu(qtTrId("menu.file"));
     fileMenu->addAction(m_fileCommands->exportAction());
+    //% "Export As"
+    QMenu *exportAsMenu = fileMenu->addMenu(qtTrId("menu.exportAs"));
+    exportAsMenu->setObjectName(u"exportAsMenu"_s);
+    exportAsMenu->addAction(m_fileCommands->exportSetListAction());
     fileMenu->addAction(m_fileCommands->importAction());
     fileMenu->addSeparator();
     connect(m_fileCommands, &CollectionFileCommands::statusMessage, this, [this](const QString &text) {
