@@ -1029,5 +1029,25 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>CSV Files (*.csv);;All Files (*)</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="file.error.tooLarge.">
+        <source>The file “%1” couldn’t be opened because it is larger than %2 MB.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.error.unreadableSetList.">
+        <source>The BrickLink inventory file couldn’t be read: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.exportAs.rebrickableSetList">
+        <source>Rebrickable Set List…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="file.filter.import">
+        <source>Collection Files (*.csv *.xml);;CSV Files (*.csv);;BrickLink XML (*.xml);;All Files (*)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.exportAs">
+        <source>Export As</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
