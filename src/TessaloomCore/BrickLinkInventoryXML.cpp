@@ -5,6 +5,8 @@
 
 #include <QXmlStreamReader>
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -17,38 +19,23 @@ constexpr qint64 itemDepth = 2;
 constexpr qint64 fieldDepth = 3;
 
 enum class ItemField {
-    none,
     itemType,
     itemID,
     minimumQuantity,
     quantity,
+    none, // an element that is none of them
 };
 
-// What one <ITEM> holds. A field given twice keeps its first value; a field that is
-// there but empty is still there, which matters for the quantities.
+// What one <ITEM> holds. A field given twice keeps its first value; a field that is there
+// but empty is still there, which matters for the quantities.
 struct Item
 {
     qsizetype lineNumber = 0;
-    std::optional<QString> itemType;
-    std::optional<QString> itemID;
-    std::optional<QString> minimumQuantity;
-    std::optional<QString> quantity;
+    std::array<std::optional<QString>, std::size_t(ItemField::none)> fields;
 
-    std::optional<QString> &field(ItemField which)
-    {
-        switch (which) {
-        case ItemField::itemType:
-            return itemType;
-        case ItemField::itemID:
-            return itemID;
-        case ItemField::minimumQuantity:
-            return minimumQuantity;
-        case ItemField::quantity:
-        case ItemField::none:
-            break;
-        }
-        return quantity;
-    }
+    // Never for ItemField::none.
+    std::optional<QString> &operator[](ItemField field) { return fields[std::size_t(field)]; }
+    const std::optional<QString> &operator[](ItemField field) const { return fields[std::size_t(field)]; }
 };
 
 bool isNamed(QStringView name, QStringView wanted)
@@ -82,18 +69,19 @@ QString lineText(qsizetype lineNumber, QStringView reason)
 // An item as an entry or a skipped row.
 void addItem(const Item &item, ImportedSetList &list)
 {
-    const QString itemType = item.itemType.value_or(QString()).trimmed();
+    const QString itemType = item[ItemField::itemType].value_or(QString()).trimmed();
     if (itemType != u"S"_s) {
         list.skipped.append(lineText(item.lineNumber, QString(u"item type "_s + itemType + u" skipped"_s)));
         return;
     }
-    const QString setNumber = item.itemID.value_or(QString()).trimmed();
+    const QString setNumber = item[ItemField::itemID].value_or(QString()).trimmed();
     if (setNumber.isEmpty()) {
         list.skipped.append(lineText(item.lineNumber, u"missing set number"));
         return;
     }
     // A wanted list states the copies wanted in MINQTY, an upload the copies held in QTY.
-    const std::optional<QString> &quantityText = item.minimumQuantity ? item.minimumQuantity : item.quantity;
+    const std::optional<QString> &minimumQuantity = item[ItemField::minimumQuantity];
+    const std::optional<QString> &quantityText = minimumQuantity ? minimumQuantity : item[ItemField::quantity];
     const std::optional<qint64> quantity = quantityText ? SetListQuantity::fromText(*quantityText) : qint64(1);
     if (!quantity) {
         list.skipped.append(lineText(item.lineNumber, u"invalid quantity"));
@@ -137,7 +125,7 @@ ImportedSetList BrickLinkInventoryXML::read(QStringView text)
     // character references is ever expanded.
     qint64 depth = 0;
     std::optional<Item> item;
-    ItemField field = ItemField::none;
+    ItemField field = ItemField::none; // the field whose text is being collected
     while (!xml.atEnd()) {
         switch (xml.readNext()) {
         case QXmlStreamReader::DTD:
@@ -156,8 +144,8 @@ ImportedSetList BrickLinkInventoryXML::read(QStringView text)
             } else if (depth == fieldDepth && item) {
                 field = itemField(xml.name());
                 // Present from its start tag on: <MINQTY/> is a quantity that is not a number.
-                if (field != ItemField::none && !item->field(field))
-                    item->field(field) = QString();
+                if (field != ItemField::none && !(*item)[field])
+                    (*item)[field] = QString();
                 else
                     field = ItemField::none; // an unknown element, or a field given before
             }
@@ -165,7 +153,7 @@ ImportedSetList BrickLinkInventoryXML::read(QStringView text)
         case QXmlStreamReader::Characters:
             // Only text directly inside a field counts; text in elements nested in it does not.
             if (field != ItemField::none && depth == fieldDepth)
-                item->field(field)->append(xml.text());
+                (*item)[field]->append(xml.text());
             break;
         case QXmlStreamReader::EndElement:
             if (depth == fieldDepth) {

@@ -220,6 +220,24 @@ private Q_SLOTS:
         QCOMPARE(list.entries, (QList<ImportedSetListEntry>{entry(u"75192-1"_s, 1, 4)}));
     }
 
+    void anEncodingDeclarationDoesNotChangeTextAlreadyDecoded()
+    {
+        const ImportedSetList list = readText(
+            u"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<INVENTORY><ITEM><ITEMTYPE>S</ITEMTYPE>"
+            u"<ITEMID>Caf\u00e9-1</ITEMID></ITEM></INVENTORY>"_s);
+        QCOMPARE(list.unreadable, std::nullopt);
+        QCOMPARE(list.entries, (QList<ImportedSetListEntry>{entry(u"Caf\u00e9-1"_s, 1, 2)}));
+    }
+
+    void itemsOnOneLineShareItsNumber()
+    {
+        const ImportedSetList list = readText(
+            u"<INVENTORY><ITEM><ITEMTYPE>S</ITEMTYPE><ITEMID>a-1</ITEMID></ITEM>"
+            u"<ITEM><ITEMTYPE>P</ITEMTYPE></ITEM><ITEM><ITEMTYPE>S</ITEMTYPE><ITEMID>b-1</ITEMID></ITEM></INVENTORY>"_s);
+        QCOMPARE(list.entries, (QList<ImportedSetListEntry>{entry(u"a-1"_s, 1, 1), entry(u"b-1"_s, 1, 1)}));
+        QCOMPARE(list.skipped, (QStringList{u"Line 1: item type P skipped"_s}));
+    }
+
     void malformedXMLIsUnreadableAndGivesNothingElse()
     {
         const ImportedSetList list = readText(
