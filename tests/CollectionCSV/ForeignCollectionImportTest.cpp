@@ -211,6 +211,17 @@ private Q_SLOTS:
         QCOMPARE(ImportResultMessage::text(result), u"2 set(s) added, 2 row(s) skipped."_s);
     }
 
+    void aNumberHoldingALineBreakIsSkippedAndAddsNothing()
+    {
+        ImportedSetList list = listOf({{knownSet, 1}});
+        list.entries.append({u"10497\n-1"_s, 2, 7});
+        const ImportResult result = import(list);
+        QCOMPARE(result.created, 1);
+        QCOMPARE(result.errors, QStringList{u"Line 7: invalid set number"_s});
+        QCOMPARE(contents(*m_store).copies.size(), 1);
+        QCOMPARE(contents(*m_store).catalogSets.size(), 1);
+    }
+
     void anEmptyListChangesNothing()
     {
         QSignalSpy changes(m_store.get(), &PersistentContainer::objectsDidChange);

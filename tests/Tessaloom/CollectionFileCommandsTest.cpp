@@ -114,6 +114,12 @@ private Q_SLOTS:
         QVERIFY(fileMenu);
         QVERIFY(fileMenu->actions().contains(window.fileCommands()->exportAction()));
         QVERIFY(fileMenu->actions().contains(window.fileCommands()->importAction()));
+        QMenu *exportAs = fileMenu->findChild<QMenu *>(u"exportAsMenu"_s);
+        QVERIFY(exportAs);
+        QCOMPARE(exportAs->title(), u"Export As"_s);
+        QVERIFY(fileMenu->actions().contains(exportAs->menuAction()));
+        QCOMPARE(exportAs->actions(), QList<QAction *>{window.fileCommands()->exportSetListAction()});
+        QCOMPARE(window.fileCommands()->exportSetListAction()->text(), u"Rebrickable Set List…"_s);
     }
 
     void exportSuggestsBrickInventoryAndWritesTheCollection()
@@ -192,6 +198,73 @@ private Q_SLOTS:
         QCOMPARE(m_alerts.size(), 1);
         QVERIFY(m_alerts.first().isFailure);
         QVERIFY(m_alerts.first().text.contains(u"gone.csv"_s));
+    }
+
+    void exportAsRebrickableSetListWritesTheSetsTheUserHas()
+    {
+        // A copy in the trash is not one the user has.
+        const CatalogSet other = context().insert(catalogSet(u"10497-1"_s, u"Galaxy Explorer"_s, 2022));
+        context().save();
+        saveCopy(context(), other.objectID, [](BrickSet &copy) { copy.isTrashed = true; });
+        m_chosenPath = pathOf(u"rebrickable.csv"_s);
+        QVERIFY(m_commands->exportRebrickableSetList());
+        QCOMPARE(m_dialogs.size(), 1);
+        QCOMPARE(m_dialogs.first().first, CollectionFileCommands::FileDialogMode::save);
+        QCOMPARE(m_dialogs.first().second, u"Brick-Inventory-Rebrickable"_s);
+        QFile file(m_chosenPath);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("Set Number,Quantity,Includes Spares,Inventory Ver\n75192-1,1,True,1\n"));
+        QVERIFY(m_alerts.isEmpty());
+    }
+
+    void theRebrickableSetListComesBackThroughTheImportAsNewCopies()
+    {
+        m_chosenPath = pathOf(u"rebrickable.csv"_s);
+        m_commands->exportSetListAction()->trigger();
+        importAndWait(u"rebrickable.csv"_s);
+        QCOMPARE(m_alerts.size(), 1);
+        QCOMPARE(m_alerts.first().title, u"Import Complete"_s);
+        QCOMPARE(m_alerts.first().text, u"1 set(s) added."_s);
+        QCOMPARE(context().count(FetchRequest<BrickSet>()), 2);
+    }
+
+    void aBrickLinkInventorySaysWhatWasAddedAndWhatSkipped()
+    {
+        writeFile(u"wanted.xml"_s, "<?xml version=\"1.0\"?>\n<INVENTORY>\n"
+                                   "<ITEM><ITEMTYPE>S</ITEMTYPE><ITEMID>75192-1</ITEMID><MINQTY>2</MINQTY></ITEM>\n"
+                                   "<ITEM><ITEMTYPE>P</ITEMTYPE><ITEMID>3001</ITEMID><MINQTY>10</MINQTY></ITEM>\n"
+                                   "</INVENTORY>\n");
+        importAndWait(u"wanted.xml"_s);
+        QCOMPARE(m_alerts.size(), 1);
+        QCOMPARE(m_alerts.first().title, u"Import Complete"_s);
+        QCOMPARE(m_alerts.first().text, u"2 set(s) added, 1 row(s) skipped."_s);
+        QCOMPARE(context().count(FetchRequest<BrickSet>()), 3);
+    }
+
+    void aBrokenBrickLinkInventoryEndsInTheFailedAlertAndChangesNothing()
+    {
+        writeFile(u"broken.xml"_s, "<INVENTORY><ITEM><ITEMTYPE>S</ITEMTYPE></INVENTORY>");
+        importAndWait(u"broken.xml"_s);
+        QCOMPARE(m_alerts.size(), 1);
+        QCOMPARE(m_alerts.first().title, u"Import Failed"_s);
+        QVERIFY(m_alerts.first().isFailure);
+        QVERIFY2(m_alerts.first().text.startsWith(u"The BrickLink inventory file couldn’t be read: "_s),
+                 qPrintable(m_alerts.first().text));
+        QCOMPARE(context().count(FetchRequest<BrickSet>()), 1);
+    }
+
+    void aFileAboveTheSizeLimitEndsInTheFailedAlert()
+    {
+        {
+            QFile huge(pathOf(u"huge.csv"_s));
+            QVERIFY(huge.open(QIODevice::WriteOnly));
+            QVERIFY(huge.resize(qint64(200) * 1024 * 1024));
+        }
+        importAndWait(u"huge.csv"_s);
+        QCOMPARE(m_alerts.size(), 1);
+        QCOMPARE(m_alerts.first().title, u"Import Failed"_s);
+        QCOMPARE(m_alerts.first().text, u"The file “huge.csv” couldn’t be opened because it is larger than 64 MB."_s);
+        QCOMPARE(context().count(FetchRequest<BrickSet>()), 1);
     }
 
     void aCancelledImportDoesNothing()

@@ -2,6 +2,7 @@
 #include "Services/ForeignCollectionImport.h"
 
 #include "AcquisitionType.h"
+#include "CSVFieldSyntax.h"
 #include "Logging.h"
 #include "Services/CatalogSetFacts.h"
 #include "Services/RebrickableCatalog.h"
@@ -11,6 +12,8 @@
 #include <QDateTime>
 #include <QHash>
 #include <QUuid>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using CSVExportImportService::ImportError;
@@ -107,6 +110,16 @@ ImportResult ForeignCollectionImport::run(const ImportedSetList &list, ManagedOb
         SetsOfImport sets(context);
         qint64 done = 0;
         for (const ImportedSetListEntry &entry : list.entries) {
+            if (progress && done > 0 && done % entriesPerProgressReport == 0)
+                progress(done, entryCount);
+            ++done;
+            // XML lets a number hold a line break; stored, it would cut the line of every
+            // collection CSV export in two, and no set is numbered so.
+            if (std::any_of(entry.setNumber.cbegin(), entry.setNumber.cend(),
+                            [](QChar unit) { return CSVFieldSyntax::isNewline(unit.unicode()); })) {
+                result.errors.append(u"Line %1: invalid set number"_s.arg(entry.lineNumber));
+                continue;
+            }
             const ObjectID set = sets.setFor(entry.setNumber);
             for (qint64 made = 0; made < entry.quantity; ++made) {
                 BrickSet copy;
@@ -117,8 +130,6 @@ ImportResult ForeignCollectionImport::run(const ImportedSetList &list, ManagedOb
                 context.insert(copy);
             }
             result.created += entry.quantity;
-            if (progress && ++done % entriesPerProgressReport == 0 && done < entryCount)
-                progress(done, entryCount);
         }
         context.save();
     } catch (...) {

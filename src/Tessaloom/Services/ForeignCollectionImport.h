@@ -18,7 +18,8 @@ class ForeignCollectionImport
 {
 public:
     // Adds the copies of `list` to `context` and saves. The result counts the copies added
-    // as created and carries the list's skipped rows as its errors. Throws ImportError
+    // as created and carries the list's skipped rows as its errors, followed by the entries
+    // whose number holds a line break ("Line 7: invalid set number"), which add nothing. Throws ImportError
     // (unreadableSetList) when the list could not be read as a whole, and the store's
     // StoreError when the save fails; then nothing is kept and the context holds no pending
     // change. `progress` hears of the entries handled every 500 entries and at the end.
