@@ -350,6 +350,32 @@ private Q_SLOTS:
         QVERIFY(!storedCopy(second.objectID).overallCondition);
     }
 
+    void appearingAgainFillsTheFormFromTheStore()
+    {
+        const BrickSet copy = saveCopy(context(), std::nullopt);
+        openEditor(copy.objectID);
+        BrickSet elsewhere = *context().existingObject<BrickSet>(copy.objectID);
+        elsewhere.notes = u"written elsewhere"_s;
+        context().update(elsewhere);
+        context().save();
+        QCOMPARE(control<QPlainTextEdit>(u"notesField"_s)->toPlainText(), QString()); // not under the cursor
+        m_editor->hide();
+        m_editor->show();
+        QCOMPARE(control<QPlainTextEdit>(u"notesField"_s)->toPlainText(), u"written elsewhere"_s);
+    }
+
+    void appearingAgainWritesWhatIsPendingBeforeFillingTheForm()
+    {
+        const BrickSet copy = saveCopy(context(), std::nullopt);
+        openEditor(copy.objectID);
+        QTest::keyClicks(sourceField(), u"typed"_s);
+        m_editor->hide();
+        m_editor->show();
+        QVERIFY(!m_editor->state().hasPendingSave());
+        QCOMPARE(sourceField()->text(), u"typed"_s);
+        QCOMPARE(storedCopy(copy.objectID).acquisitionSource, u"typed"_s);
+    }
+
     void closingTheWindowWithinThePauseWritesTheTypedValue()
     {
         const BrickSet copy = saveCopy(context(), std::nullopt);

@@ -44,6 +44,12 @@ void InventoryEditorState::setBrickSet(const std::optional<ObjectID> &brickSet)
     load();
 }
 
+void InventoryEditorState::reload()
+{
+    flushPendingSave();
+    load();
+}
+
 void InventoryEditorState::load()
 {
     const QScopedValueRollback loading(m_isLoading, true);

@@ -24,7 +24,9 @@ class ManagedObjectContext;
 // for the new copy never writes into it, and the old copy keeps what it had (the cost of
 // the pause, accepted). Closing the window or quitting is different: flushPendingSave()
 // writes what was typed at once, and runs by itself when the application is about to quit
-// and when this object goes away. Main thread only.
+// and when this object goes away. Changes of the copy made elsewhere reach the form only
+// when it is filled again (another copy, or reload() when the editor appears), so the
+// user's typing is never overwritten under the cursor. Main thread only.
 class InventoryEditorState : public QObject
 {
     Q_OBJECT
@@ -43,6 +45,9 @@ public:
     // the form from the new copy; choosing the same one again changes nothing.
     std::optional<ObjectID> brickSet() const { return m_brickSet; }
     void setBrickSet(const std::optional<ObjectID> &brickSet);
+    // Fills the form from the stored copy again, as when the editor appears, after writing
+    // what is pending so that nothing typed is lost to the stored values.
+    void reload();
     // Whether the copy was found when the form was last filled.
     bool hasCopy() const { return m_hasCopy; }
 

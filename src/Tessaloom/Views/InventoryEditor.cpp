@@ -22,6 +22,7 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollArea>
+#include <QShowEvent>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -460,6 +461,17 @@ bool InventoryEditor::event(QEvent *event)
     if (event->type() == QEvent::ParentChange || event->type() == QEvent::Show)
         watchWindow();
     return QWidget::event(event);
+}
+
+void InventoryEditor::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // A window coming back from being minimised is not the editor appearing; and on its
+    // first appearance the form was filled a moment ago, when the copy was given.
+    if (event->spontaneous())
+        return;
+    if (std::exchange(m_hasAppeared, true))
+        m_state->reload();
 }
 
 bool InventoryEditor::eventFilter(QObject *watched, QEvent *event)

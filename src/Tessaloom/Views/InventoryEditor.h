@@ -26,7 +26,8 @@ class QScrollArea;
 // It saves by itself (see InventoryEditorState) and writes what is pending at once when
 // its window closes, when the application quits, or when it is destroyed, so nothing typed
 // is lost at exit. Prices are typed with "." as the decimal point; beside each, the amount
-// read from it is shown in the user's number format.
+// read from it is shown in the user's number format. Each time it appears (a tab shown
+// again), the form is filled from the stored copy anew.
 //
 // Embedding: `new InventoryEditor(viewContext, copyID, parent)`, then setBrickSet() when
 // the selected copy changes. It must not outlive the store of `viewContext`.
@@ -58,6 +59,7 @@ Q_SIGNALS:
 protected:
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     void buildAcquisitionSection(QWidget *content);
@@ -74,6 +76,7 @@ private:
     QPointer<CollectionTrash> m_trash;
     QPointer<QWidget> m_watchedWindow;
     bool m_filling = false;
+    bool m_hasAppeared = false;
 
     QScrollArea *m_scrollArea = nullptr;
     QGroupBox *m_acquisitionSection = nullptr;
