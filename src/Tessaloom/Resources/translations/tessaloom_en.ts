@@ -1049,5 +1049,85 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Export As</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="detail.inventory.moveToTrash">
+        <source>Move to Trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.acquisition">
+        <source>Acquisition</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.howAcquired">
+        <source>How Acquired</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.pricePaid">
+        <source>Price Paid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.currency">
+        <source>Currency</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.date">
+        <source>Date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.sourcePrompt">
+        <source>Where it came from</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.source">
+        <source>Source</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.condition">
+        <source>Condition</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.overall">
+        <source>Overall</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.completeness">
+        <source>Completeness</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.box">
+        <source>Box</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.instructions">
+        <source>Instructions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.builtStatus">
+        <source>Build Status</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.stickers">
+        <source>Stickers</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.disposal">
+        <source>Disposal</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.disposed">
+        <source>Disposed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.how">
+        <source>How</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.salePrice">
+        <source>Sale Price</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.notes">
+        <source>Notes</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
