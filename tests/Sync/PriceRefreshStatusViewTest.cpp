@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -182,6 +183,15 @@ private Q_SLOTS:
         QCOMPARE(PriceRefreshStatusView::statusText(1234, 5000, std::nullopt, german), u"Prices 1.234 of 5.000"_s);
         const QLocale english(QLocale::English, QLocale::UnitedStates);
         QCOMPARE(PriceRefreshStatusView::statusText(1234, 5000, std::nullopt, english), u"Prices 1,234 of 5,000"_s);
+    }
+
+    // Last, as it ends the application's event loop.
+    void quittingTheApplicationCancelsTheRefresh()
+    {
+        const PriceRefreshProgress::Run run(*m_progress, 3);
+        QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
+        QCoreApplication::exec();
+        QVERIFY(run.isCancelled());
     }
 };
 
