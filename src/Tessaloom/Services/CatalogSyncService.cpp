@@ -2,19 +2,28 @@
 #include "Services/CatalogSyncService.h"
 
 #include "Logging.h"
+#include "PriceResult.h"
+#include "PricingProvider.h"
 #include "Services/AsyncSemaphore.h"
 #include "Services/CatalogSetFacts.h"
+#include "Services/PriceRefreshProgress.h"
+#include "Services/PricingProviderRegistry.h"
 #include "Services/RebrickableCatalog.h"
 #include "Services/SyncError.h"
 #include "SetNumberNormalizer.h"
+#include "Store/CachedPriceGuide.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistenceController.h"
 #include "Store/PersistentContainer.h"
 
 #include <QCoroFuture>
+#include <QDate>
 #include <QDateTime>
 #include <QHash>
+#include <QLocale>
 #include <QSet>
+
+#include <limits>
 
 
 using namespace Qt::StringLiterals;
@@ -153,6 +162,37 @@ void writeInventory(ManagedObjectContext &context, const RebrickableCatalog &cat
     }
 }
 
+// A guide older than this makes its set a target of the refresh of all prices; one exactly
+// this old is still fresh.
+constexpr qint64 priceGuideMaximumAgeMilliseconds = qint64(604800) * 1000;
+
+// The sentence of whatever a provider or the store threw, for the log.
+QString failureText(const std::exception_ptr &failure)
+{
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::exception &error) {
+        return QString::fromUtf8(error.what());
+    } catch (...) {
+        return u"Unknown error"_s;
+    }
+}
+
+// The day a provider gives as "2024-12-31", at local midnight; nothing for any other form.
+std::optional<QDateTime> retiredDay(const QString &text)
+{
+    const QDate day = QLocale::c().toDate(text, u"yyyy-MM-dd"_s);
+    if (!day.isValid())
+        return std::nullopt;
+    return day.startOfDay();
+}
+
+// Whether a stored price guide of `set` asks for a new fetch at `now`.
+bool isStale(const CachedPriceGuide &guide, const QDateTime &now)
+{
+    return !guide.lastFetchDate || guide.lastFetchDate->msecsTo(now) > priceGuideMaximumAgeMilliseconds;
+}
+
 } // namespace
 
 CatalogSyncService &CatalogSyncService::shared()
@@ -164,7 +204,14 @@ CatalogSyncService &CatalogSyncService::shared()
 CatalogSyncService::CatalogSyncService(PersistenceController &persistenceController)
     : m_persistenceController(persistenceController)
     , m_setWriting(std::make_unique<AsyncSemaphore>(1))
+    , m_priceRefreshProgress(std::make_unique<PriceRefreshProgress>())
 {
+}
+
+CatalogSyncService::CatalogSyncService(PersistenceController &persistenceController, PricingProviderRegistry &registry)
+    : CatalogSyncService(persistenceController)
+{
+    m_registry = &registry;
 }
 
 CatalogSyncService::~CatalogSyncService() = default;
@@ -175,6 +222,15 @@ std::shared_ptr<ManagedObjectContext> CatalogSyncService::newContext() const
     context->setMergePolicy(ManagedObjectContext::MergePolicy::mergeByPropertyObjectTrump);
     context->setName(u"backgroundContext"_s);
     return context;
+}
+
+PricingProviderRegistry &CatalogSyncService::registry()
+{
+    // Reached only here, so that syncing a set never builds the adapters nor opens the
+    // credential store.
+    if (!m_registry)
+        m_registry = &PricingProviderRegistry::shared();
+    return *m_registry;
 }
 
 QCoro::Task<ObjectID> CatalogSyncService::syncSet(QString setNumber)
@@ -253,4 +309,225 @@ QCoro::Task<> CatalogSyncService::syncParts(QString setNumber, ObjectID objectID
         co_return;
     }
     qCInfo(lcSync, "Synced %lld parts for %s", qint64(rows.size()), qUtf8Printable(setNumber));
+}
+
+void CatalogSyncService::syncExternalData(std::vector<QCoro::Task<>> &group, QString setNumber, ObjectID objectID)
+{
+    group.push_back(syncPrices(setNumber, objectID));
+    group.push_back(reservedExternalSync(std::move(setNumber), std::move(objectID)));
+}
+
+QCoro::Task<> CatalogSyncService::reservedExternalSync(QString, ObjectID)
+{
+    // Deliberately empty: the place of a second kind of external data beside prices.
+    // Building instructions are not fetched here but when their screen asks for them.
+    co_return;
+}
+
+QCoro::Task<> CatalogSyncService::syncPrices(QString setNumber, ObjectID objectID)
+{
+    PricingProvider *const provider = co_await registry().activeProvider(false);
+    if (!provider) {
+        qCCritical(lcSync, "No pricing provider with valid credentials configured");
+        co_return;
+    }
+    // The registry and its adapters outlive every task, so the pointer holds across waits.
+    const QString providerID = provider->info().id;
+    QList<PriceResult> results;
+    std::exception_ptr failure;
+    try {
+        results = co_await provider->fetchPrices(setNumber);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    if (failure) {
+        // What is stored stays: a failed query tells nothing about the prices.
+        qCCritical(lcSync, "Failed to sync prices for %s: %s", qUtf8Printable(setNumber),
+                   qUtf8Printable(failureText(failure)));
+        co_return;
+    }
+    const qint64 count = results.size();
+    co_await persistPrices(std::move(results), providerID, objectID);
+    // Written also when the store refused the results: persistPrices() logged why.
+    qCInfo(lcSync, "Synced %lld price guides for %s via %s", count, qUtf8Printable(setNumber),
+           qUtf8Printable(providerID));
+}
+
+QCoro::Task<> CatalogSyncService::persistPrices(QList<PriceResult> results, QString providerID, ObjectID objectID)
+{
+    // A sample size beyond the attribute's 32 bits is a fault of the adapter that made it,
+    // not a figure to store clamped.
+    for (const PriceResult &result : std::as_const(results)) {
+        const qint64 quantity = result.quantitySold.value_or(0);
+        if (quantity < std::numeric_limits<qint32>::min() || quantity > std::numeric_limits<qint32>::max())
+            qFatal("Price result for %s sold %lld items, beyond the store's 32-bit quantity",
+                   qUtf8Printable(result.setNumber), quantity);
+    }
+
+    const std::shared_ptr<ManagedObjectContext> context = newContext();
+    // Named before it is awaited, like the block of syncSet().
+    QFuture<void> writing = context->perform([results, providerID, objectID](ManagedObjectContext &store) {
+        std::optional<CatalogSet> set;
+        try {
+            set = store.existingObject<CatalogSet>(objectID);
+        } catch (const StoreError &) {
+        }
+        // A set deleted meanwhile, or an identifier of something else: nothing to do.
+        if (!set)
+            return;
+        // Every read before the first change (see writeInventory()).
+        const QList<CachedPriceGuide> guides = store.related<CachedPriceGuide>(objectID, u"cachedPriceGuides"_s);
+
+        // One block of guides per provider, replaced as a whole, by an empty list too.
+        // Guides without a provider come from stores older than that rule and are swept
+        // away by whichever provider syncs first.
+        for (const CachedPriceGuide &guide : guides) {
+            if (!guide.providerName || *guide.providerName == providerID)
+                store.deleteObject(guide);
+        }
+        const CatalogSet before = *set;
+        for (const PriceResult &result : results) {
+            store.insert(CachedPriceGuide::fromPriceResult(result, objectID));
+            // The first result with a retail price wins, and a price that stands is kept:
+            // a later sync never rewrites it.
+            if (!set->retailPrice && result.retailPrice && result.retailPriceCurrency) {
+                set->retailPrice = result.retailPrice;
+                set->retailPriceCurrency = result.retailPriceCurrency;
+            }
+            if (!set->dateLastAvailable && result.retiredDate)
+                set->dateLastAvailable = retiredDay(*result.retiredDate);
+        }
+        if (*set != before)
+            store.update(*set);
+        store.save();
+    });
+    std::exception_ptr failure;
+    try {
+        co_await writing;
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    // The context goes with its pending changes, so the old guides stay.
+    if (failure)
+        qCCritical(lcSync, "Failed to persist price results: %s", qUtf8Printable(failureText(failure)));
+}
+
+QCoro::Task<QList<CatalogSyncService::PriceTarget>> CatalogSyncService::priceTargets()
+{
+    const std::shared_ptr<ManagedObjectContext> context = newContext();
+    QFuture<QList<PriceTarget>> reading = context->perform([](ManagedObjectContext &store) {
+        // Copies of any kind count, trashed and disposed ones too.
+        const QList<CatalogSet> owned = store.fetch(
+            FetchRequest<CatalogSet>(Predicate::count(u"brickSets"_s, Predicate::Comparison::greater, 0)));
+        QSet<ObjectID> ownedIDs;
+        for (const CatalogSet &set : owned)
+            ownedIDs.insert(set.objectID);
+        // All guides in one query rather than one per set.
+        const QList<CachedPriceGuide> guides = store.fetch(FetchRequest<CachedPriceGuide>(Predicate()));
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        QSet<ObjectID> withGuides;
+        QSet<ObjectID> withStaleGuides;
+        for (const CachedPriceGuide &guide : guides) {
+            if (!guide.catalogSet || !ownedIDs.contains(*guide.catalogSet))
+                continue;
+            withGuides.insert(*guide.catalogSet);
+            // One stale guide, of any provider, makes the whole set a target.
+            if (isStale(guide, now))
+                withStaleGuides.insert(*guide.catalogSet);
+        }
+        QList<PriceTarget> targets;
+        for (const CatalogSet &set : owned) {
+            if (!withGuides.contains(set.objectID) || withStaleGuides.contains(set.objectID))
+                targets.append(PriceTarget{set.objectID, set.setNumber.value_or(QString())});
+        }
+        return targets;
+    });
+    try {
+        co_return co_await reading;
+    } catch (...) {
+        // No sets to refresh, and nothing to tell: the refresh ends as if all were fresh.
+        co_return QList<PriceTarget>{};
+    }
+}
+
+QCoro::Task<> CatalogSyncService::refreshAllPrices()
+{
+    const QList<PriceTarget> targets = co_await priceTargets();
+    if (targets.isEmpty())
+        co_return;
+    PricingProvider *const provider = co_await registry().activeProvider(true);
+    if (!provider) {
+        qCCritical(lcSync, "No pricing provider with valid credentials configured");
+        co_return;
+    }
+    if (provider->info().capabilities.contains(PricingCapability::bulkFetch)) {
+        co_await refreshInBulk(provider, targets);
+        co_return;
+    }
+    PriceRefreshProgress::Run run(*m_priceRefreshProgress, int(targets.size()));
+    // One set after the other, each awaited: the adapter's rate limiter sets the pace, and
+    // a set that fails is logged by syncPrices() and does not stop the others.
+    for (const PriceTarget &target : targets) {
+        if (run.isCancelled())
+            break;
+        co_await syncPrices(target.setNumber, target.objectID);
+        run.setDone();
+    }
+}
+
+QCoro::Task<> CatalogSyncService::refreshInBulk(PricingProvider *provider, QList<PriceTarget> targets)
+{
+    PriceRefreshProgress::Run run(*m_priceRefreshProgress, int(targets.size()));
+    if (run.isCancelled())
+        co_return;
+    const QString providerID = provider->info().id;
+    QStringList setNumbers;
+    setNumbers.reserve(targets.size());
+    for (const PriceTarget &target : std::as_const(targets))
+        setNumbers.append(target.setNumber);
+
+    QList<PriceResult> results;
+    std::exception_ptr failure;
+    try {
+        results = co_await provider->fetchBulkPrices(setNumbers);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    if (failure) {
+        // Nothing is stored, and no set is asked for alone instead: one failed bulk call
+        // must not turn into hundreds of single requests.
+        qCCritical(lcSync, "Bulk price refresh failed: %s", qUtf8Printable(failureText(failure)));
+        co_return;
+    }
+
+    QStringList order;
+    QHash<QString, QList<PriceResult>> groups;
+    for (PriceResult &result : results) {
+        auto group = groups.find(result.setNumber);
+        if (group == groups.end()) {
+            order.append(result.setNumber);
+            group = groups.insert(result.setNumber, {});
+        }
+        group->append(std::move(result));
+    }
+    QHash<QString, ObjectID> objectIDs;
+    for (const PriceTarget &target : std::as_const(targets)) {
+        // Set numbers are unique among CatalogSet objects; two targets with one number
+        // mean the store is broken, and guessing which set the prices belong to is worse
+        // than stopping.
+        if (objectIDs.contains(target.setNumber))
+            qFatal("Two price refresh targets share the set number %s", qUtf8Printable(target.setNumber));
+        objectIDs.insert(target.setNumber, target.objectID);
+    }
+    // Results for a number that is no target are dropped; a target without results keeps
+    // its guides.
+    for (const QString &setNumber : std::as_const(order)) {
+        const auto objectID = objectIDs.constFind(setNumber);
+        if (objectID == objectIDs.cend())
+            continue;
+        if (run.isCancelled())
+            break;
+        co_await persistPrices(groups.value(setNumber), providerID, *objectID);
+        run.setDone();
+    }
 }

@@ -1129,5 +1129,25 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Notes</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="status.priceRefresh.hours.">
+        <source>%1 h</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="status.priceRefresh.minutes.">
+        <source>%1 min</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="status.priceRefresh.cancel">
+        <source>Cancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="status.priceRefresh.progress.">
+        <source>Prices %1 of %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="status.priceRefresh.progressWithTimeLeft.">
+        <source>Prices %1 of %2 — about %3 left</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
