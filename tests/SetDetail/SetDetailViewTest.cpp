@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "../Store/StoreFixtures.h"
+#include "CatalogFixture.h"
 #include "HeldSync.h"
 #include "TestEnvironment.h"
 
+#include "Endpoints.h"
+#include "Services/ImageCacheService.h"
+#include "Services/RebrickableCatalog.h"
 #include "Store/CachedInstructionURL.h"
 #include "Store/CachedPriceGuide.h"
 #include "Store/CatalogSetPart.h"
@@ -28,6 +32,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
+#include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
 using namespace StoreFixtures;
@@ -44,6 +49,11 @@ private:
     using Tab = SetDetailViewModel::DetailTab;
     using Instruction = LegoInstructionsService::Instruction;
 
+    QTemporaryDir m_catalogFolder;
+    std::shared_ptr<RebrickableCatalog> m_catalog;
+    // One picture cache for the whole run: loads started in one test may still be on their
+    // way when the next begins.
+    std::unique_ptr<ImageCacheService> m_pictures;
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<PersistentContainer> m_store;
     HeldSync m_sync;
@@ -112,10 +122,25 @@ private Q_SLOTS:
         TestEnvironment::isolate();
         QVERIFY(TranslationLoader::install(*qApp, QLocale(QLocale::English, QLocale::UnitedStates)));
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        QVERIFY(m_catalogFolder.isValid());
+        m_pictures = std::make_unique<ImageCacheService>(m_catalogFolder.filePath(u"Caches"_s));
+        CatalogFixture fixture;
+        fixture.addRows(u"themes"_s, "158,Star Wars,\n");
+        fixture.addRows(u"sets"_s, "75192-1,Millennium Falcon,2017,158,3,\n");
+        fixture.addRows(u"inventories"_s, "1,1,75192-1\n");
+        fixture.addRows(u"colors"_s, "0,Black,05131D,False\n71,Light Bluish Gray,A0A5A9,False\n");
+        fixture.addRows(u"part_categories"_s, "11,Bricks\n");
+        fixture.addRows(u"parts"_s, "3001,Brick 2 x 4,11,Plastic\n3003,Brick 2 x 2,11,Plastic\n");
+        fixture.addRows(u"inventory_parts"_s, "1,3001,71,2,False,\n1,3003,0,1,False,\n");
+        m_catalog = RebrickableCatalog::openFile(fixture.build(m_catalogFolder.path() + u"/catalog"_s));
+        QVERIFY(m_catalog);
     }
 
     void init()
     {
+        RebrickableCatalog::replaceShared(m_catalog);
+        // Part pictures and LEGO's pages go to a port where nothing listens.
+        qputenv(Endpoints::overrideVariable, "rebrickable=http://127.0.0.1:9;lego=http://127.0.0.1:9");
         m_folder = std::make_unique<QTemporaryDir>();
         QVERIFY(m_folder->isValid());
         m_store = openStore(*m_folder);
@@ -127,6 +152,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_view.reset();
+        RebrickableCatalog::replaceShared(nullptr);
         m_store.reset();
         m_folder.reset();
     }
@@ -525,6 +551,21 @@ private Q_SLOTS:
         view.inventoryTab()->partsChecklistButton()->click();
         QCOMPARE(requested.size(), 1);
         QCOMPARE(requested.first().first().toUrl(), copy.objectID.uriRepresentation());
+    }
+
+    void partsTabListsTheSetsInventoryFromTheCatalog()
+    {
+        const CatalogSet set = savedSet(u"75192-1"_s, u"Millennium Falcon"_s, 2017);
+        m_booklets = {Instruction{1, 1, QUrl(u"http://127.0.0.1:9/6217000.pdf"_s), 0, false, std::nullopt}};
+        SetDetailView &view = show(saveCopy(context(), set.objectID));
+        view.setImageCache(m_pictures.get());
+        view.selectTab(Tab::parts);
+        PartsTab &parts = *view.partsTab();
+        QCOMPARE(parts.setNumber(), u"75192-1"_s);
+        QTRY_VERIFY(!parts.isLoading());
+        QCOMPARE(parts.uniqueCountLabel()->text(), u"2 unique parts"_s);
+        QCOMPARE(parts.model().parts().size(), 2);
+        QVERIFY(parts.isVisible());
     }
 
     void aCommitElsewhereRedrawsTheHeaderAndTheOverview()
