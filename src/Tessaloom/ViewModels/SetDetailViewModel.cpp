@@ -134,8 +134,8 @@ QString SetDetailViewModel::title() const
         return *m_catalogSet->name;
     if (m_catalogSet && m_catalogSet->setNumber && !m_catalogSet->setNumber->isEmpty())
         return *m_catalogSet->setNumber;
-    //% "Unknown Set"
-    return qtTrId("detail.unknownSet");
+    // The same fixed text as the set lists and the trash give a copy without a set.
+    return u"Unknown Set"_s;
 }
 
 QList<CachedPriceGuide> SetDetailViewModel::guides() const

@@ -1061,10 +1061,6 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Parts</source>
         <translation type="unfinished"></translation>
     </message>
-    <message id="detail.unknownSet">
-        <source>Unknown Set</source>
-        <translation type="unfinished"></translation>
-    </message>
     <message id="detail.inventory.allPartsComplete">
         <source>All parts complete</source>
         <translation type="unfinished"></translation>
