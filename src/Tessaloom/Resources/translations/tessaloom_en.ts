@@ -1149,5 +1149,117 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Prices %1 of %2 — about %3 left</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="detail.tab.overview">
+        <source>Overview</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.tab.inventory">
+        <source>Inventory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.tab.parts">
+        <source>Parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.allPartsComplete">
+        <source>All parts complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.partsRatio.">
+        <source>%1/%2 parts</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.partsProgress.">
+        <source>%1% complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.addCopy">
+        <source>Add Copy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.partsChecklist">
+        <source>Parts Checklist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.selectCopy">
+        <source>Select a copy to edit it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.inventory.ownCount.">
+        <source>Copies owned: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.retailPrice">
+        <source>Retail Price</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.marketValue">
+        <source>Market Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.pricePaid">
+        <source>Price Paid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.priceGuide">
+        <source>Price Guide</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.refresh">
+        <source>Refresh</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.inventory">
+        <source>Inventory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.inventory.none">
+        <source>None in your collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.instructions">
+        <source>Instructions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.notes">
+        <source>Notes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.pieceCount.">
+        <source>%1 pieces</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.inventory.inStock.">
+        <source>%1 in stock</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.inventory.disposed.">
+        <source>%1 disposed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.loadingBooklets">
+        <source>Looking for instruction booklets…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.pdfFallback">
+        <source>If a booklet does not open here, it opens as a PDF in your browser.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.overview.viewOnLego">
+        <source>View on LEGO.com</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="detail.favorite">
+        <source>Favorite</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.favorite.remove">
+        <source>Remove from Favorites</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="accessibility.favorite.add">
+        <source>Add to Favorites</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
