@@ -19,7 +19,9 @@
 #include "ViewModels/WishlistListModel.h"
 #include "Store/WishlistItem.h"
 #include "Views/CatalogSetDetailView.h"
-#include "Views/SetPreviewView.h"
+#include "Views/InventoryEditor.h"
+#include "Views/InventoryTab.h"
+#include "Views/SetDetailView.h"
 #include "Views/TrashDetailView.h"
 #include "Views/TrashListView.h"
 #include "Views/WishlistListView.h"
@@ -30,6 +32,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QLabel>
@@ -90,8 +93,8 @@ private:
 
     bool showsPreviewOf(const QString &name)
     {
-        return content().detailColumn()->currentWidget() == content().setPreview()
-            && content().setPreview()->name() == name;
+        return content().copyDetail() && content().detailColumn()->currentWidget() == content().copyDetail()
+            && content().copyDetail()->titleLabel()->text() == name;
     }
 
 private Q_SLOTS:
@@ -143,7 +146,7 @@ private Q_SLOTS:
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(row, SetListGroupModel::NameColumn)).center());
         QCOMPARE(content().selectedBrickSet(), m_castleCopy.objectID);
         QVERIFY(showsPreviewOf(u"Lion Knights' Castle"_s));
-        QCOMPARE(content().setPreview()->setNumber(), u"10305-1"_s);
+        QCOMPARE(content().copyDetail()->viewModel().brickSet().objectID, m_castleCopy.objectID);
     }
 
     void theSelectionSurvivesARefetchOfTheList()
@@ -291,6 +294,42 @@ private Q_SLOTS:
             context.save();
         });
         QTRY_VERIFY(showsPlaceholder(u"square.grid.2x2"_s));
+    }
+
+    void theCopysDetailStaysWhileItsCopyIsShownAndIsMadeAnewForAnother()
+    {
+        content().setSelectedBrickSet(m_falconCopy.objectID);
+        QVERIFY(showsPreviewOf(u"Millennium Falcon"_s));
+        QPointer<SetDetailView> falconDetail = content().copyDetail();
+        // A change of the copy on show brings the column up to date without a new detail.
+        content().setSelectedBrickSet(m_falconCopy.objectID);
+        QCOMPARE(content().copyDetail(), falconDetail.data());
+        content().setSelectedBrickSet(m_castleCopy.objectID);
+        QVERIFY(showsPreviewOf(u"Lion Knights' Castle"_s));
+        QVERIFY(content().copyDetail() != falconDetail.data());
+        QTRY_VERIFY(!falconDetail);
+    }
+
+    void theInventoryTabEditsTheSelectedCopyWithTheCopyEditor()
+    {
+        showContent();
+        content().setSelectedBrickSet(m_falconCopy.objectID);
+        SetDetailView *detail = content().copyDetail();
+        QVERIFY(detail);
+        detail->selectTab(SetDetailView::DetailTab::inventory);
+        QTRY_VERIFY(detail->inventoryTab() && detail->inventoryTab()->isEditorReady());
+        auto *editor = qobject_cast<InventoryEditor *>(detail->inventoryTab()->editor());
+        QVERIFY(editor);
+        QCOMPARE(editor->brickSet(), std::optional<ObjectID>(m_falconCopy.objectID));
+    }
+
+    void theDetailsChecklistButtonAsksTheWindowForTheCopysChecklist()
+    {
+        content().setSelectedBrickSet(m_falconCopy.objectID);
+        QSignalSpy requested(&content(), &ContentView::partsChecklistRequested);
+        Q_EMIT content().copyDetail()->partsChecklistRequested(QUrl(u"x-tessaloom://BrickSet/1"_s));
+        QCOMPARE(requested.size(), 1);
+        QCOMPARE(requested.first().first().toUrl(), QUrl(u"x-tessaloom://BrickSet/1"_s));
     }
 
     void ctrlFMovesTheKeyboardToTheSearchField()

@@ -6,6 +6,8 @@
 #include "Views/ContentView.h"
 #include "Views/EmptyStateView.h"
 #include "Views/MainWindow.h"
+#include "Views/PriceRefreshStatusView.h"
+#include "Services/PriceRefreshProgress.h"
 #include "ViewModels/SetListGroupModel.h"
 #include "Views/SetGridView.h"
 #include "Views/CatalogTableView.h"
@@ -23,6 +25,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QLabel>
+#include <QPointer>
+#include <QStatusBar>
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -186,6 +191,24 @@ private Q_SLOTS:
         QCOMPARE(content->sidebarViewModel().selectedItem(), SidebarItem::catalogTheme(158, u"Star Wars"_s));
         QCOMPARE(content->listViewModel().currentCatalogThemeID(), 158);
         QCOMPARE(content->middleColumn()->currentWidget(), content->setListView());
+    }
+
+    void aRefreshOfAllPricesShowsInTheStatusBarWhileItRuns()
+    {
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
+        PriceRefreshProgress progress;
+        PriceRefreshStatusView *status = window.showPriceRefreshProgress(progress);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(status->parentWidget(), window.statusBar());
+        QVERIFY(!status->isVisible());
+        {
+            PriceRefreshProgress::Run run(progress, 480);
+            run.setDone();
+            QTRY_VERIFY(status->isVisible());
+            QVERIFY2(status->label()->text().startsWith(u"Prices 1 of 480"_s), qPrintable(status->label()->text()));
+        }
+        QTRY_VERIFY(!status->isVisible());
     }
 
     void closesCleanly()

@@ -2,7 +2,9 @@
 #include "Views/ContentView.h"
 
 #include "Logging.h"
+#include "Services/CatalogSyncService.h"
 #include "Services/LegoInstructionsService.h"
+#include "SetNumberNormalizer.h"
 #include "Store/PersistentContainer.h"
 #include "Store/StoreChanges.h"
 #include "Store/StoreError.h"
@@ -15,8 +17,10 @@
 #include "ViewModels/SidebarViewModel.h"
 #include "Views/CatalogSetDetailView.h"
 #include "Views/EmptyStateView.h"
+#include "Views/InventoryEditor.h"
+#include "Views/InventoryTab.h"
+#include "Views/SetDetailView.h"
 #include "Views/SetListView.h"
-#include "Views/SetPreviewView.h"
 #include "Views/SidebarView.h"
 #include "Views/ThemeBrowserView.h"
 #include "Views/TrashDetailView.h"
@@ -56,7 +60,6 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     , m_trashList(new TrashListView(container, *m_trash, m_middleColumn))
     , m_detailColumn(new QStackedWidget(m_splitter))
     , m_detailPlaceholder(new EmptyStateView(m_detailColumn))
-    , m_setPreview(new SetPreviewView(m_detailColumn))
     , m_catalogDetail(new CatalogSetDetailView(container, LegoInstructionsService::sharedFetcher(), m_detailColumn))
     , m_trashDetail(new TrashDetailView(container.viewContext(), *m_trash, m_detailColumn))
     , m_findAction(new QAction(this))
@@ -78,7 +81,6 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     m_middleColumn->addWidget(m_wishlist);
     m_middleColumn->addWidget(m_trashList);
     m_detailColumn->addWidget(m_detailPlaceholder);
-    m_detailColumn->addWidget(m_setPreview);
     m_detailColumn->addWidget(m_catalogDetail);
     m_detailColumn->addWidget(m_trashDetail);
     m_catalogDetail->setObjectName(u"catalogSetDetail"_s);
@@ -230,7 +232,7 @@ void ContentView::updateDetailColumn()
         m_detailColumn->setCurrentWidget(m_trashDetail);
         return;
     case Content::copy:
-        if (showCopyPreview())
+        if (showCopyDetail())
             return;
         break;
     case Content::catalogSet:
@@ -263,23 +265,61 @@ void ContentView::updateDetailColumn()
     showDetailPlaceholder(u"square.grid.2x2"_s, title, description);
 }
 
-bool ContentView::showCopyPreview()
+SetDetailView *ContentView::copyDetail() const
+{
+    return m_copyDetail;
+}
+
+bool ContentView::showCopyDetail()
 {
     try {
-        ManagedObjectContext &context = m_container.viewContext();
-        const std::optional<BrickSet> brickSet = context.existingObject<BrickSet>(*m_selectedBrickSet);
+        const std::optional<BrickSet> brickSet = m_container.viewContext().existingObject<BrickSet>(*m_selectedBrickSet);
         if (!brickSet)
             return false;
-        BrickSetWithCatalogSet copy{*brickSet, std::nullopt};
-        if (brickSet->catalogSet)
-            copy.catalogSet = context.existingObject<CatalogSet>(*brickSet->catalogSet);
-        m_setPreview->showCopy(copy);
-        m_detailColumn->setCurrentWidget(m_setPreview);
+        // The detail of the copy on show stays, with its open tab and the form's typing.
+        if (!m_copyDetail || m_copyDetail->viewModel().brickSet().objectID != brickSet->objectID)
+            replaceCopyDetail(*brickSet);
+        m_detailColumn->setCurrentWidget(m_copyDetail);
         return true;
     } catch (const StoreError &error) {
         qCWarning(lcPersistence) << "Reading the selected set failed:" << error.description();
         return false;
     }
+}
+
+void ContentView::replaceCopyDetail(const BrickSet &copy)
+{
+    if (m_copyDetail) {
+        // A move to another copy within the form's pause writes nothing of the old copy,
+        // as a move between copies of one set does inside the form.
+        if (m_copyDetail->inventoryTab()) {
+            if (auto *editor = qobject_cast<InventoryEditor *>(m_copyDetail->inventoryTab()->editor()))
+                editor->setBrickSet(std::nullopt);
+        }
+        m_detailColumn->removeWidget(m_copyDetail);
+        m_copyDetail->deleteLater();
+    }
+    m_copyDetail = new SetDetailView(copy, m_container.viewContext(), LegoInstructionsService::sharedFetcher(),
+                                     m_detailColumn);
+    m_copyDetail->setObjectName(u"copyDetail"_s);
+    m_copyDetail->setCollectionTrash(m_trash);
+    m_copyDetail->setEditorFactory([this](const ObjectID &edited, QWidget *parent) -> QWidget * {
+        auto *editor = new InventoryEditor(m_container.viewContext(), edited, parent);
+        editor->setTrash(m_trash);
+        return editor;
+    });
+    m_copyDetail->setPriceSyncStep(&ContentView::syncPrices);
+    connect(m_copyDetail, &SetDetailView::partsChecklistRequested, this, &ContentView::partsChecklistRequested);
+    m_detailColumn->addWidget(m_copyDetail);
+}
+
+QCoro::Task<> ContentView::syncPrices(QString setNumber, ObjectID catalogSet)
+{
+    std::vector<QCoro::Task<>> group;
+    CatalogSyncService::shared().syncExternalData(group, SetNumberNormalizer::catalogNumber(setNumber), catalogSet);
+    // The tasks run already; awaiting them ends the refresh when both have ended.
+    for (QCoro::Task<> &task : group)
+        co_await std::move(task);
 }
 
 void ContentView::showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description)

@@ -4,11 +4,16 @@
 #include "Services/CatalogResults.h"
 #include "Store/ObjectID.h"
 
+#include <QCoroTask>
+
+#include <QPointer>
+#include <QUrl>
 #include <QWidget>
 
 #include <memory>
 #include <optional>
 
+struct BrickSet;
 class CatalogDatabaseService;
 class CatalogSetDetailView;
 class CollectionTrash;
@@ -21,7 +26,7 @@ class QSplitter;
 class QStackedWidget;
 class SetListView;
 class SetListViewModel;
-class SetPreviewView;
+class SetDetailView;
 class SidebarItem;
 class SidebarView;
 class SidebarViewModel;
@@ -48,7 +53,8 @@ public:
     QStackedWidget *middleColumn() const { return m_middleColumn; }
     QStackedWidget *detailColumn() const { return m_detailColumn; }
     EmptyStateView *detailPlaceholder() const { return m_detailPlaceholder; }
-    SetPreviewView *setPreview() const { return m_setPreview; }
+    // The detail of the selected copy; null until a copy has been shown.
+    SetDetailView *copyDetail() const;
     CatalogSetDetailView *catalogDetail() const { return m_catalogDetail; }
     SetListView *setListView() const { return m_setListView; }
     ThemeBrowserView *themeBrowser() const { return m_themeBrowser; }
@@ -77,11 +83,18 @@ public:
     // switches to all sets and the copy is selected there; elsewhere it is selected at once.
     void showOwnedCopy(const ObjectID &brickSet);
 
+Q_SIGNALS:
+    // The detail asks for a copy's parts checklist window.
+    void partsChecklistRequested(const QUrl &copyURI);
+
 private:
     void selectionChanged(const std::optional<SidebarItem> &item);
     void updateDetailColumn();
     void showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description);
-    bool showCopyPreview();
+    bool showCopyDetail();
+    void replaceCopyDetail(const BrickSet &copy);
+    // The price step of a copy's refresh: the set's prices from the provider in use.
+    static QCoro::Task<> syncPrices(QString setNumber, ObjectID catalogSet);
     void objectsChanged(const StoreChanges &changes);
     void showCatalogSetDetail();
     void showMiddleColumnFor(const std::optional<SidebarItem> &item);
@@ -101,7 +114,7 @@ private:
     TrashListView *m_trashList;
     QStackedWidget *m_detailColumn;
     EmptyStateView *m_detailPlaceholder;
-    SetPreviewView *m_setPreview;
+    QPointer<SetDetailView> m_copyDetail;
     CatalogSetDetailView *m_catalogDetail;
     TrashDetailView *m_trashDetail;
     QAction *m_findAction;

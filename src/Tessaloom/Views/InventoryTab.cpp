@@ -10,6 +10,7 @@
 #include "ViewModels/MoneyText.h"
 #include "ViewModels/SetDetailViewModel.h"
 #include "Views/ConditionBadge.h"
+#include "Views/InventoryEditor.h"
 #include "Views/SymbolIcon.h"
 
 #include <QAction>
@@ -274,6 +275,14 @@ void InventoryTab::showEditor()
         return;
     }
     if (m_editor && m_editorCopy == copy->objectID) {
+        m_editorArea->setCurrentWidget(m_editorHolder);
+        return;
+    }
+    // The copy editor is kept and pointed at the other copy: that drops what is pending for
+    // the previous one, where destroying it would write it.
+    if (auto *editor = qobject_cast<InventoryEditor *>(m_editor.data())) {
+        editor->setBrickSet(copy->objectID);
+        m_editorCopy = copy->objectID;
         m_editorArea->setCurrentWidget(m_editorHolder);
         return;
     }

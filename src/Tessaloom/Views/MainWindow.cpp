@@ -7,6 +7,7 @@
 #include "Views/CollectionFileCommands.h"
 #include "Views/ContentView.h"
 #include "Views/PartsChecklistWindowGroup.h"
+#include "Views/PriceRefreshStatusView.h"
 #include "Views/SetListView.h"
 #include "Views/SampleCatalogNotice.h"
 #include "Views/UndoStatusNotice.h"
@@ -60,10 +61,21 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
     buildMenus();
     connect(m_contentView->setListView(), &SetListView::partsChecklistRequested, this,
             &MainWindow::openPartsChecklist);
+    connect(m_contentView, &ContentView::partsChecklistRequested, this,
+            [this](const QUrl &copyURI) { m_partsChecklistWindows->open(copyURI); });
     statusBar()->addWidget(m_undoNotice, 1);
     statusBar()->setSizeGripEnabled(true);
     resize(1200, 760);
     restoreWindowState();
+}
+
+PriceRefreshStatusView *MainWindow::showPriceRefreshProgress(PriceRefreshProgress &progress)
+{
+    // A refresh of all prices takes hours at the providers' rates: its progress and its
+    // cancel button stay in the status bar while it runs, and hide when it ends.
+    auto *status = new PriceRefreshStatusView(progress, statusBar());
+    statusBar()->addPermanentWidget(status);
+    return status;
 }
 
 PartsChecklistWindow *MainWindow::openPartsChecklist(const ObjectID &brickSet)

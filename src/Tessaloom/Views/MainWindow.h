@@ -13,6 +13,8 @@ class CollectionFileCommands;
 class ContentView;
 class PartsChecklistWindow;
 class PartsChecklistWindowGroup;
+class PriceRefreshProgress;
+class PriceRefreshStatusView;
 class PersistentContainer;
 class QAction;
 class SampleCatalogNotice;
@@ -42,6 +44,9 @@ public:
 
     // Opens the parts checklist window of the copy `brickSet`, or brings its open window
     // to the front. Anything that is not an existing copy gets an empty window.
+    // Shows the progress of a refresh of all prices in the status bar, with its cancel
+    // button; the program passes the price service's, tests their own.
+    PriceRefreshStatusView *showPriceRefreshProgress(PriceRefreshProgress &progress);
     PartsChecklistWindow *openPartsChecklist(const ObjectID &brickSet);
 
 Q_SIGNALS:

@@ -5,6 +5,7 @@
 #include "OfferedCurrencies.h"
 #include "Services/AppUpdateService.h"
 #include "Services/CatalogDatabaseService.h"
+#include "Services/CatalogSyncService.h"
 #include "Services/DailyCatalogCheck.h"
 #include "Services/NetworkMonitor.h"
 #include "Services/RebrickableCatalog.h"
@@ -36,6 +37,8 @@ TessaloomApp::SharedObjects TessaloomApp::obtainSharedObjects()
 TessaloomApp::TessaloomApp(QObject *parent)
     : TessaloomApp(obtainSharedObjects(), parent)
 {
+    // The program's price service runs the refreshes the window reports on.
+    m_priceRefreshProgress = &CatalogSyncService::shared().priceRefreshProgress();
 }
 
 TessaloomApp::TessaloomApp(const SharedObjects &objects, QObject *parent)
@@ -83,6 +86,8 @@ void TessaloomApp::showMainWindow()
     if (!m_mainWindow) {
         m_mainWindow = std::make_unique<MainWindow>(m_persistenceController.container(), m_catalogService,
                                                     m_updateService);
+        if (m_priceRefreshProgress)
+            m_mainWindow->showPriceRefreshProgress(*m_priceRefreshProgress);
         connect(m_mainWindow.get(), &MainWindow::contentAppeared, this, [this] {
             openCatalogGate();
             runDailyCatalogCheck();

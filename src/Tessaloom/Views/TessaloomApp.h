@@ -14,6 +14,7 @@ class CatalogSetupView;
 class MainWindow;
 class NetworkMonitor;
 class PersistenceController;
+class PriceRefreshProgress;
 class QSettings;
 
 // The application's entry: creates the process-wide objects in a fixed order before any
@@ -67,6 +68,8 @@ private:
     QCoro::Task<> runDailyCatalogCheck();
 
     PersistenceController &m_persistenceController;
+    // The refresh of all prices the window shows; only the program's own services have one.
+    PriceRefreshProgress *m_priceRefreshProgress = nullptr;
     NetworkMonitor &m_networkMonitor;
     bool m_showCatalogSetup = false;
     AppUpdateService &m_updateService;
