@@ -22,6 +22,8 @@
 
 #include "BenchmarkCollection.h"
 #include "BenchmarkOutput.h"
+#include "BenchmarkSamples.h"
+#include "BenchmarkWidgets.h"
 #include "CatalogFixture.h"
 
 #include "Endpoints.h"
@@ -69,14 +71,7 @@ constexpr double selectTargetMs = 50;
 constexpr double addTargetMs = 300;
 constexpr QSize detailSize{520, 900};
 
-struct Samples
-{
-    QList<double> values;
-    double median() const { return BenchmarkOutput::percentile(values, 0.5); }
-    double worst() const { return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend()); }
-};
-
-QJsonObject figure(const QString &name, const Samples &samples, double target)
+QJsonObject figure(const QString &name, const BenchmarkSamples &samples, double target)
 {
     QJsonArray all;
     for (double value : samples.values)
@@ -89,30 +84,6 @@ QJsonObject figure(const QString &name, const Samples &samples, double target)
         object.insert(u"withinTarget"_s, samples.median() <= target);
     }
     return object;
-}
-
-// What the user sees next: the pending layouts run and the window painted at once.
-void paintNow(QWidget &window)
-{
-    if (!window.windowHandle() || !window.windowHandle()->isExposed())
-        (void)QTest::qWaitForWindowExposed(&window);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
-    window.repaint();
-}
-
-// Runs the event loop until `done`, giving the pool its turn meanwhile.
-bool processUntil(const std::function<bool()> &done, int patienceMs = 60000)
-{
-    QElapsedTimer patience;
-    patience.start();
-    while (!done()) {
-        if (patience.elapsed() > patienceMs)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents);
-        QThread::usleep(50);
-    }
-    return true;
 }
 
 // Set numbers from the catalog file: `count` spread over all sets, or the one with the most
@@ -232,9 +203,9 @@ int main(int argc, char *argv[])
                             {u"selectedSets"_s, int(selected.size())}});
 
     // ---- Selecting a set ----
-    Samples select;
-    Samples selectWithTheme;
-    Samples previewSelect;
+    BenchmarkSamples select;
+    BenchmarkSamples selectWithTheme;
+    BenchmarkSamples previewSelect;
     {
         auto controller = freshStore();
         CatalogSetDetailView detail(controller->container(), silentFetcher(never));
@@ -245,8 +216,8 @@ int main(int argc, char *argv[])
         preview.picture()->setImageCache(&pictures);
         preview.resize(detailSize);
         preview.show();
-        paintNow(detail);
-        paintNow(preview);
+        BenchmarkWidgets::paintNow(detail);
+        BenchmarkWidgets::paintNow(preview);
         for (const QString &number : std::as_const(selected)) {
             const std::optional<CatalogSetResult> set = catalogResult(*catalog, number);
             if (!set)
@@ -254,32 +225,32 @@ int main(int argc, char *argv[])
             QElapsedTimer timer;
             timer.start();
             detail.showCatalogSet(*set);
-            paintNow(detail);
+            BenchmarkWidgets::paintNow(detail);
             select.values.append(double(timer.nsecsElapsed()) / 1e6);
             const QString expected = catalog->themePath(set->themeID);
-            processUntil([&] { return detail.themePath() == expected; });
-            paintNow(detail);
+            BenchmarkWidgets::processUntil([&] { return detail.themePath() == expected; });
+            BenchmarkWidgets::paintNow(detail);
             selectWithTheme.values.append(double(timer.nsecsElapsed()) / 1e6);
             // Let the refused pictures finish before the next sample.
-            processUntil([&] { return detail.picture()->phase() != CachedAsyncImage::Phase::loading; }, 2000);
+            BenchmarkWidgets::processUntil([&] { return detail.picture()->phase() != CachedAsyncImage::Phase::loading; }, 2000);
 
             previewSelect.values.append(BenchmarkOutput::milliseconds([&] {
                 preview.showCatalogSet(*set, expected);
-                paintNow(preview);
+                BenchmarkWidgets::paintNow(preview);
             }));
-            processUntil([&] { return preview.picture()->phase() != CachedAsyncImage::Phase::loading; }, 2000);
+            BenchmarkWidgets::processUntil([&] { return preview.picture()->phase() != CachedAsyncImage::Phase::loading; }, 2000);
         }
     }
 
     // ---- Adding the largest set ----
-    Samples add;
-    Samples addAgain;
-    Samples syncOnly;
-    Samples addWithoutScreen; // CatalogSetAdder::add alone, with the collection list
-    Samples addSyncPart; // click to the end of the sync
-    Samples addCopyPart; // end of the sync to the copy saved (and announced)
-    Samples addAgainSyncPart;
-    Samples addAgainCopyPart;
+    BenchmarkSamples add;
+    BenchmarkSamples addAgain;
+    BenchmarkSamples syncOnly;
+    BenchmarkSamples addWithoutScreen; // CatalogSetAdder::add alone, with the collection list
+    BenchmarkSamples addSyncPart; // click to the end of the sync
+    BenchmarkSamples addCopyPart; // end of the sync to the copy saved (and announced)
+    BenchmarkSamples addAgainSyncPart;
+    BenchmarkSamples addAgainCopyPart;
     int listRowsAfterAdd = 0;
     for (int run = 0; run < runs; ++run) {
         {
@@ -303,7 +274,7 @@ int main(int argc, char *argv[])
             const std::optional<BrickSet> copy = QCoro::waitFor(CatalogSetAdder::add(
                 QPointer<PersistentContainer>(&controller->container()),
                 [&sync](QString number) { return sync.syncSet(std::move(number)); }, largest));
-            if (!copy || !processUntil([&] { return list.copies()->rowOf(copy->objectID) >= 0; }))
+            if (!copy || !BenchmarkWidgets::processUntil([&] { return list.copies()->rowOf(copy->objectID) >= 0; }))
                 qCritical("The add without the screen made no listed copy.");
             addWithoutScreen.values.append(double(timer.nsecsElapsed()) / 1e6);
         }
@@ -324,10 +295,10 @@ int main(int argc, char *argv[])
         detail.resize(detailSize);
         detail.show();
         detail.showCatalogSet(*largestSet);
-        paintNow(detail);
-        processUntil([&] { return detail.picture()->phase() != CachedAsyncImage::Phase::loading; }, 2000);
+        BenchmarkWidgets::paintNow(detail);
+        BenchmarkWidgets::processUntil([&] { return detail.picture()->phase() != CachedAsyncImage::Phase::loading; }, 2000);
 
-        const auto timeAdd = [&](Samples &samples, Samples &syncPart, Samples &copyPart) {
+        const auto timeAdd = [&](BenchmarkSamples &samples, BenchmarkSamples &syncPart, BenchmarkSamples &copyPart) {
             std::optional<ObjectID> added;
             double copyMadeMs = 0;
             const QMetaObject::Connection connection =
@@ -337,7 +308,7 @@ int main(int argc, char *argv[])
                 });
             addTimer.start();
             QTest::mouseClick(detail.addToCollectionButton(), Qt::LeftButton);
-            const bool listed = processUntil([&] { return added && list.copies()->rowOf(*added) >= 0; });
+            const bool listed = BenchmarkWidgets::processUntil([&] { return added && list.copies()->rowOf(*added) >= 0; });
             samples.values.append(double(addTimer.nsecsElapsed()) / 1e6);
             syncPart.values.append(syncEndedMs);
             copyPart.values.append(copyMadeMs - syncEndedMs);
@@ -357,7 +328,7 @@ int main(int argc, char *argv[])
             controller->container().viewContext().save();
         }
         detail.showCatalogSet(*largestSet);
-        paintNow(detail);
+        BenchmarkWidgets::paintNow(detail);
         timeAdd(addAgain, addAgainSyncPart, addAgainCopyPart);
     }
     never.reportFinished();

@@ -22,6 +22,8 @@
 
 #include "BenchmarkCollection.h"
 #include "BenchmarkOutput.h"
+#include "BenchmarkSamples.h"
+#include "BenchmarkWidgets.h"
 
 #include "Store/BrickSetQueries.h"
 #include "Store/ManagedObjectContext.h"
@@ -55,15 +57,7 @@ namespace {
 constexpr double keystrokeTargetMs = 8;
 constexpr double saveTargetMs = 10;
 
-struct Samples
-{
-    QList<double> values;
-    double median() const { return BenchmarkOutput::percentile(values, 0.5); }
-    double p90() const { return BenchmarkOutput::percentile(values, 0.9); }
-    double worst() const { return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend()); }
-};
-
-QJsonObject figure(const QString &name, const Samples &samples, double target = 0)
+QJsonObject figure(const QString &name, const BenchmarkSamples &samples, double target = 0)
 {
     QJsonObject object{{u"benchmark"_s, u"inventory-editor"_s}, {u"step"_s, name},
                        {u"samples"_s, int(samples.values.size())}, {u"medianMs"_s, samples.median()},
@@ -73,15 +67,6 @@ QJsonObject figure(const QString &name, const Samples &samples, double target = 
         object.insert(u"withinTarget"_s, samples.median() <= target);
     }
     return object;
-}
-
-void paintNow(QWidget &window)
-{
-    if (!window.windowHandle() || !window.windowHandle()->isExposed())
-        (void)QTest::qWaitForWindowExposed(&window);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
-    window.repaint();
 }
 
 double elapsedMs(const QElapsedTimer &timer)
@@ -137,27 +122,27 @@ int main(int argc, char *argv[])
     layout->addWidget(editor);
     window.resize(520, 900);
     window.show();
-    paintNow(window);
+    BenchmarkWidgets::paintNow(window);
     auto *priceField = editor->findChild<QLineEdit *>(u"pricePaidField"_s);
 
-    const auto typeInto = [&window](QLineEdit *field, Samples &samples, int count) {
+    const auto typeInto = [&window](QLineEdit *field, BenchmarkSamples &samples, int count) {
         for (int stroke = 0; stroke < count; ++stroke) {
             if (stroke % 8 == 0) {
                 field->clear(); // a price of up to eight characters, as typed
-                paintNow(window);
+                BenchmarkWidgets::paintNow(window);
             }
             QElapsedTimer timer;
             timer.start();
             QTest::keyClick(field, char(u'0' + stroke % 10));
-            paintNow(window);
+            BenchmarkWidgets::paintNow(window);
             samples.values.append(elapsedMs(timer));
         }
     };
 
     // Keystrokes, alternating between the bare field and the editor so that load changes
     // on the machine touch both alike.
-    Samples plainKeystroke;
-    Samples keystroke;
+    BenchmarkSamples plainKeystroke;
+    BenchmarkSamples keystroke;
     for (int round = 0; round < runs; ++round) {
         typeInto(plainField, plainKeystroke, 10);
         typeInto(priceField, keystroke, 10);
@@ -166,18 +151,18 @@ int main(int argc, char *argv[])
         qCritical("Typing into the editor left no save pending.");
     editor->flushPendingSave();
 
-    Samples load;
-    Samples save;
-    Samples saveWithList;
-    Samples plainSave;
-    Samples plainSaveWithList;
+    BenchmarkSamples load;
+    BenchmarkSamples save;
+    BenchmarkSamples saveWithList;
+    BenchmarkSamples plainSave;
+    BenchmarkSamples plainSaveWithList;
     const int commitsBefore = commits;
     for (int run = 0; run < runs; ++run) {
         const ObjectID copy = ids.at((qsizetype(run) * 97 + 13) % ids.size());
         QElapsedTimer loading;
         loading.start();
         editor->setBrickSet(copy);
-        paintNow(window);
+        BenchmarkWidgets::paintNow(window);
         load.values.append(elapsedMs(loading));
 
         QTest::keyClick(editor->findChild<QLineEdit *>(u"sourceField"_s), char(u'a' + run % 26));
@@ -197,7 +182,7 @@ int main(int argc, char *argv[])
         plainSave.values.append(double(committedAtNs - startNs) / 1e6);
     }
     // The floor: the same write as plain SQL.
-    Samples sqliteUpdate;
+    BenchmarkSamples sqliteUpdate;
     sqlite3 *database = nullptr;
     if (sqlite3_open_v2(folder.filePath(u"Tessaloom.sqlite"_s).toUtf8().constData(), &database, SQLITE_OPEN_READWRITE,
                         nullptr)

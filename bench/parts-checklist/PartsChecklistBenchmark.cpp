@@ -21,6 +21,7 @@
 //   parts-checklist-bench [--catalog FILE | --work DIR] [--set NUMBER] [--runs N]
 
 #include "BenchmarkOutput.h"
+#include "BenchmarkSamples.h"
 #include "CatalogFixture.h"
 
 #include "Services/RebrickableCatalog.h"
@@ -73,14 +74,7 @@ QString largestSet(const QString &catalogPath, int &lines)
     return number;
 }
 
-struct Samples
-{
-    QList<double> values;
-    double median() const { return BenchmarkOutput::percentile(values, 0.5); }
-    double worst() const { return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend()); }
-};
-
-QJsonObject figure(const QString &name, const Samples &samples, double target)
+QJsonObject figure(const QString &name, const BenchmarkSamples &samples, double target)
 {
     QJsonArray all;
     for (double value : samples.values)
@@ -166,8 +160,8 @@ int main(int argc, char *argv[])
     context.save();
 
     // Loading, with the main thread's longest busy stretch meanwhile.
-    Samples load;
-    Samples loadMainThread;
+    BenchmarkSamples load;
+    BenchmarkSamples loadMainThread;
     for (int run = 0; run < runs; ++run) {
         PartsChecklistViewModel model(copy, context);
         QElapsedTimer timer;
@@ -193,10 +187,10 @@ int main(int argc, char *argv[])
 
     // Counts: a first tick (creating part, colour, line and entry), a second tick, a
     // decrement, and the decrement to zero, on a different line each run.
-    Samples firstTick;
-    Samples increment;
-    Samples decrement;
-    Samples decrementToZero;
+    BenchmarkSamples firstTick;
+    BenchmarkSamples increment;
+    BenchmarkSamples decrement;
+    BenchmarkSamples decrementToZero;
     for (int run = 0; run < runs; ++run) {
         ChecklistItem line = items.at((run * 97) % items.size());
         if (line.quantity < 2) {
@@ -215,7 +209,7 @@ int main(int argc, char *argv[])
 
     // The floor of a save: one row's number changed and committed by plain SQLite, in a
     // file of its own beside the store, with the store's journal and sync settings.
-    Samples rawCommit;
+    BenchmarkSamples rawCommit;
     {
         sqlite3 *database = nullptr;
         const QByteArray path = QFile::encodeName(folder.filePath(u"baseline.sqlite"_s));
@@ -235,9 +229,9 @@ int main(int argc, char *argv[])
     }
 
     // Whole list: mark all, then reset, alternating; the first mark creates every line.
-    Samples markAll;
-    Samples markAllAgain;
-    Samples resetAll;
+    BenchmarkSamples markAll;
+    BenchmarkSamples markAllAgain;
+    BenchmarkSamples resetAll;
     for (int run = 0; run < runs; ++run) {
         markAll.values.append(BenchmarkOutput::milliseconds([&] { model.markAllComplete(); }));
         markAllAgain.values.append(BenchmarkOutput::milliseconds([&] { model.markAllComplete(); }));
@@ -248,8 +242,8 @@ int main(int argc, char *argv[])
     model.markAllComplete();
 
     // Loading again with every line counted: the stored counts are read on the main thread.
-    Samples loadCounted;
-    Samples loadCountedMainThread;
+    BenchmarkSamples loadCounted;
+    BenchmarkSamples loadCountedMainThread;
     for (int run = 0; run < runs; ++run) {
         PartsChecklistViewModel again(copy, context);
         QElapsedTimer timer;
@@ -266,11 +260,11 @@ int main(int argc, char *argv[])
         model.decrement(items.at(index));
 
     // The list recomputed after each kind of change.
-    Samples keystroke;
-    Samples colorToggle;
-    Samples sortChange;
-    Samples groupChange;
-    Samples copyAndSort;
+    BenchmarkSamples keystroke;
+    BenchmarkSamples colorToggle;
+    BenchmarkSamples sortChange;
+    BenchmarkSamples groupChange;
+    BenchmarkSamples copyAndSort;
     const QString typed = u"brick 2"_s;
     const int colorID = model.availableColors().constFirst().colorID;
     const QList<PartsChecklistViewModel::SortMode> sorts = PartsChecklistViewModel::allSortModes();

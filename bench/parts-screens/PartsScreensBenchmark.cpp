@@ -22,6 +22,8 @@
 //   QT_QPA_PLATFORM=offscreen parts-screens-bench [--catalog FILE | --work DIR] [--set NUMBER] [--runs N]
 
 #include "BenchmarkOutput.h"
+#include "BenchmarkSamples.h"
+#include "BenchmarkWidgets.h"
 #include "CatalogFixture.h"
 
 #include "Endpoints.h"
@@ -61,14 +63,7 @@ namespace {
 constexpr double openTargetMs = 100;
 constexpr double frameTargetMs = 16;
 
-struct Samples
-{
-    QList<double> values;
-    double median() const { return BenchmarkOutput::percentile(values, 0.5); }
-    double worst() const { return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend()); }
-};
-
-QJsonObject figure(const QString &name, const Samples &samples, double target)
+QJsonObject figure(const QString &name, const BenchmarkSamples &samples, double target)
 {
     QJsonArray all;
     for (double value : samples.values)
@@ -113,17 +108,6 @@ protected:
         return QObject::eventFilter(watched, event);
     }
 };
-
-// What the user sees next: the window on screen, the pending layouts run and the window
-// painted at once.
-void paintNow(QWidget &window)
-{
-    if (!window.windowHandle() || !window.windowHandle()->isExposed())
-        (void)QTest::qWaitForWindowExposed(&window);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
-    window.repaint();
-}
 
 // Where a click on the first row's button for one more (or one fewer) lands, and on which
 // widget.
@@ -202,7 +186,7 @@ int main(int argc, char *argv[])
     context.save();
 
     // Baseline: the view model alone, its rows read on the pool.
-    Samples viewModelLoad;
+    BenchmarkSamples viewModelLoad;
     qsizetype lines = 0;
     for (int run = 0; run < runs; ++run) {
         PartsChecklistViewModel model(copy, context);
@@ -220,8 +204,8 @@ int main(int argc, char *argv[])
     }
 
     // Baseline: as many plain rows in a QListWidget, made, shown and painted.
-    Samples plainListOpen;
-    Samples plainListRepaint;
+    BenchmarkSamples plainListOpen;
+    BenchmarkSamples plainListRepaint;
     int plainListPaints = 0;
     for (int run = 0; run < runs; ++run) {
         QElapsedTimer timer;
@@ -233,15 +217,15 @@ int main(int argc, char *argv[])
         for (qsizetype line = 0; line < lines; ++line)
             list.addItem(u"Brick 2 x 4 · 3001 · Red · Bricks %1"_s.arg(line));
         list.show();
-        paintNow(list);
+        BenchmarkWidgets::paintNow(list);
         plainListOpen.values.append(double(timer.nsecsElapsed()) / 1e6);
         plainListRepaint.values.append(BenchmarkOutput::milliseconds([&list] { list.viewport()->repaint(); }));
         plainListPaints += counter.paints;
     }
 
     // The checklist window, opened until painted.
-    Samples checklistOpen;
-    Samples checklistOpenMainThread;
+    BenchmarkSamples checklistOpen;
+    BenchmarkSamples checklistOpenMainThread;
     int checklistPaints = 0;
     for (int run = 0; run < runs; ++run) {
         QElapsedTimer timer;
@@ -259,7 +243,7 @@ int main(int argc, char *argv[])
         longest = std::max(longest, longestStepUntil([&window] { return !window.viewModel()->isLoading(); }));
         QElapsedTimer last;
         last.start();
-        paintNow(window);
+        BenchmarkWidgets::paintNow(window);
         longest = std::max(longest, double(last.nsecsElapsed()) / 1e6);
         checklistOpen.values.append(double(timer.nsecsElapsed()) / 1e6);
         checklistOpenMainThread.values.append(longest);
@@ -271,57 +255,57 @@ int main(int argc, char *argv[])
     window.setImageCache(&pictures);
     window.show();
     longestStepUntil([&window] { return !window.viewModel()->isLoading(); });
-    paintNow(window);
+    BenchmarkWidgets::paintNow(window);
     PartsChecklistViewModel &model = *window.viewModel();
 
-    Samples increment;
-    Samples decrement;
+    BenchmarkSamples increment;
+    BenchmarkSamples decrement;
     for (int run = 0; run < runs; ++run) {
         const Hit more = rowButton(window, true);
         increment.values.append(BenchmarkOutput::milliseconds([&] {
             QTest::mouseClick(more.widget, Qt::LeftButton, {}, more.point);
-            paintNow(window);
+            BenchmarkWidgets::paintNow(window);
         }));
         const Hit fewer = rowButton(window, false);
         decrement.values.append(BenchmarkOutput::milliseconds([&] {
             QTest::mouseClick(fewer.widget, Qt::LeftButton, {}, fewer.point);
-            paintNow(window);
+            BenchmarkWidgets::paintNow(window);
         }));
     }
     if (model.entriesByKey().size() != 0)
         qCritical("The clicks did not come back to no count.");
 
-    Samples keystroke;
-    Samples recompute;
-    Samples colorToggle;
-    Samples sortChange;
-    Samples groupChange;
+    BenchmarkSamples keystroke;
+    BenchmarkSamples recompute;
+    BenchmarkSamples colorToggle;
+    BenchmarkSamples sortChange;
+    BenchmarkSamples groupChange;
     const QString typed = u"brick 2"_s;
     QLineEdit *search = window.searchField();
     for (int run = 0; run < runs; ++run) {
         for (const QChar key : typed) {
             keystroke.values.append(BenchmarkOutput::milliseconds([&] {
                 QTest::keyClicks(search, QString(key));
-                paintNow(window);
+                BenchmarkWidgets::paintNow(window);
             }));
             recompute.values.append(BenchmarkOutput::milliseconds([&] { (void)model.groupedItems(); }));
         }
         search->clear();
-        paintNow(window);
+        BenchmarkWidgets::paintNow(window);
         for (int toggle = 0; toggle < 2; ++toggle) {
             ColorFilterChip *chip = window.colorChips().constFirst();
             colorToggle.values.append(BenchmarkOutput::milliseconds([&] {
                 chip->click();
-                paintNow(window);
+                BenchmarkWidgets::paintNow(window);
             }));
         }
         for (QComboBox *picker : {window.sortPicker(), window.groupPicker()}) {
-            Samples &samples = picker == window.sortPicker() ? sortChange : groupChange;
+            BenchmarkSamples &samples = picker == window.sortPicker() ? sortChange : groupChange;
             for (int step = 1; step <= picker->count(); ++step) {
                 const int index = (picker->currentIndex() + 1) % picker->count();
                 samples.values.append(BenchmarkOutput::milliseconds([&] {
                     picker->setCurrentIndex(index);
-                    paintNow(window);
+                    BenchmarkWidgets::paintNow(window);
                 }));
             }
         }
@@ -337,15 +321,15 @@ int main(int argc, char *argv[])
         tab.show();
         tab.setSetNumber(setNumber);
         longestStepUntil([&tab] { return !tab.isLoading(); });
-        paintNow(tab);
+        BenchmarkWidgets::paintNow(tab);
         return double(timer.nsecsElapsed()) / 1e6;
     };
-    Samples partsTabBeside;
+    BenchmarkSamples partsTabBeside;
     for (int run = 0; run < runs; ++run)
         partsTabBeside.values.append(openPartsTab());
     window.close();
     QCoreApplication::processEvents();
-    Samples partsTabOpen;
+    BenchmarkSamples partsTabOpen;
     for (int run = 0; run < runs; ++run)
         partsTabOpen.values.append(openPartsTab());
 

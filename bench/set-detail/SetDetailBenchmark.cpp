@@ -22,6 +22,8 @@
 
 #include "BenchmarkCollection.h"
 #include "BenchmarkOutput.h"
+#include "BenchmarkSamples.h"
+#include "BenchmarkWidgets.h"
 #include "CatalogFixture.h"
 
 #include "Endpoints.h"
@@ -71,14 +73,7 @@ constexpr double partsTargetMs = 100;
 constexpr QSize columnSize{560, 900};
 constexpr int inventoryCopies = 20;
 
-struct Samples
-{
-    QList<double> values;
-    double median() const { return BenchmarkOutput::percentile(values, 0.5); }
-    double worst() const { return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend()); }
-};
-
-QJsonObject figure(const QString &name, const Samples &samples, double target)
+QJsonObject figure(const QString &name, const BenchmarkSamples &samples, double target)
 {
     QJsonArray all;
     for (double value : samples.values)
@@ -91,28 +86,6 @@ QJsonObject figure(const QString &name, const Samples &samples, double target)
         object.insert(u"withinTarget"_s, samples.median() <= target);
     }
     return object;
-}
-
-void paintNow(QWidget &window)
-{
-    if (!window.windowHandle() || !window.windowHandle()->isExposed())
-        (void)QTest::qWaitForWindowExposed(&window);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
-    window.repaint();
-}
-
-bool processUntil(const std::function<bool()> &done, int patienceMs = 60000)
-{
-    QElapsedTimer patience;
-    patience.start();
-    while (!done()) {
-        if (patience.elapsed() > patienceMs)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents);
-        QThread::usleep(50);
-    }
-    return true;
 }
 
 QString largestSetNumber(const QString &path)
@@ -253,17 +226,17 @@ int main(int argc, char *argv[])
     // ---- Selecting a copy ----
     const QList<BrickSetWithCatalogSet> listed = context.fetchBrickSetsWithCatalogSets(
         FetchRequest<BrickSet>(BrickSetQueries::notTrashed(), {SortDescriptor{u"dateAdded"_s, true}}));
-    Samples select;
-    Samples previewSelect;
+    BenchmarkSamples select;
+    BenchmarkSamples previewSelect;
     {
         Column column;
         column.show();
-        paintNow(column);
+        BenchmarkWidgets::paintNow(column);
         SetPreviewView preview;
         preview.picture()->setImageCache(&pictures);
         preview.resize(columnSize);
         preview.show();
-        paintNow(preview);
+        BenchmarkWidgets::paintNow(preview);
         const qsizetype step = std::max<qsizetype>(1, listed.size() / (runs * 2));
         for (qsizetype index = 0; index < listed.size() && select.values.size() < runs * 2; index += step) {
             const BrickSetWithCatalogSet &copy = listed[index];
@@ -271,22 +244,22 @@ int main(int argc, char *argv[])
                 auto *view = new SetDetailView(copy.brickSet, context, silentFetcher(never));
                 view->setImageCache(&pictures);
                 column.place(view);
-                paintNow(column);
+                BenchmarkWidgets::paintNow(column);
             }));
             previewSelect.values.append(BenchmarkOutput::milliseconds([&] {
                 preview.showCopy(copy);
-                paintNow(preview);
+                BenchmarkWidgets::paintNow(preview);
             }));
             QCoreApplication::processEvents();
         }
     }
 
     // ---- The inventory tab of a set with 20 copies ----
-    Samples inventoryTab;
-    Samples inventoryTabAgain;
-    Samples inventoryRead;
-    Samples partsTab;
-    Samples partsTabAlone;
+    BenchmarkSamples inventoryTab;
+    BenchmarkSamples inventoryTabAgain;
+    BenchmarkSamples inventoryRead;
+    BenchmarkSamples partsTab;
+    BenchmarkSamples partsTabAlone;
     {
         Column column;
         column.show();
@@ -295,19 +268,19 @@ int main(int argc, char *argv[])
             view->setImageCache(&pictures);
             view->setEditorFactory([](const ObjectID &, QWidget *parent) { return new QWidget(parent); });
             column.place(view);
-            paintNow(column);
+            BenchmarkWidgets::paintNow(column);
             inventoryTab.values.append(BenchmarkOutput::milliseconds([&] {
                 view->selectTab(SetDetailView::DetailTab::inventory);
-                paintNow(column);
+                BenchmarkWidgets::paintNow(column);
             }));
             if (view->inventoryTab()->rows().size() != inventoryCopies)
                 qCritical("The inventory tab lists %d copies.", int(view->inventoryTab()->rows().size()));
-            processUntil([view] { return view->inventoryTab()->isEditorReady(); }, 2000);
+            BenchmarkWidgets::processUntil([view] { return view->inventoryTab()->isEditorReady(); }, 2000);
             view->selectTab(SetDetailView::DetailTab::overview);
-            paintNow(column);
+            BenchmarkWidgets::paintNow(column);
             inventoryTabAgain.values.append(BenchmarkOutput::milliseconds([&] {
                 view->selectTab(SetDetailView::DetailTab::inventory);
-                paintNow(column);
+                BenchmarkWidgets::paintNow(column);
             }));
             inventoryRead.values.append(BenchmarkOutput::milliseconds([&] {
                 const QList<BrickSet> read = context.fetch(FetchRequest<BrickSet>(
@@ -323,8 +296,8 @@ int main(int argc, char *argv[])
             // ---- The parts tab of the largest set ----
             partsTab.values.append(BenchmarkOutput::milliseconds([&] {
                 view->selectTab(SetDetailView::DetailTab::parts);
-                processUntil([view] { return !view->partsTab()->isLoading(); });
-                paintNow(column);
+                BenchmarkWidgets::processUntil([view] { return !view->partsTab()->isLoading(); });
+                BenchmarkWidgets::paintNow(column);
             }));
             partsTabAlone.values.append(BenchmarkOutput::milliseconds([&] {
                 PartsTab tab;
@@ -332,8 +305,8 @@ int main(int argc, char *argv[])
                 tab.resize(columnSize);
                 tab.show();
                 tab.setSetNumber(largest);
-                processUntil([&tab] { return !tab.isLoading(); });
-                paintNow(tab);
+                BenchmarkWidgets::processUntil([&tab] { return !tab.isLoading(); });
+                BenchmarkWidgets::paintNow(tab);
             }));
         }
     }

@@ -24,6 +24,8 @@
 
 #include "BenchmarkCollection.h"
 #include "BenchmarkOutput.h"
+#include "BenchmarkSamples.h"
+#include "BenchmarkWidgets.h"
 #include "CatalogFixture.h"
 
 #include "Endpoints.h"
@@ -73,14 +75,7 @@ constexpr int wishlistItems = 1000;
 constexpr int wishlistItemsGone = 50;
 constexpr double wishlistOpenTargetMs = 100;
 
-struct Samples
-{
-    QList<double> values;
-    double median() const { return BenchmarkOutput::percentile(values, 0.5); }
-    double worst() const { return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend()); }
-};
-
-QJsonObject figure(const QString &step, const Samples &samples, double target = 0)
+QJsonObject figure(const QString &step, const BenchmarkSamples &samples, double target = 0)
 {
     QJsonArray all;
     for (double value : samples.values)
@@ -92,17 +87,6 @@ QJsonObject figure(const QString &step, const Samples &samples, double target = 
         object.insert(u"withinTarget"_s, samples.median() <= target);
     }
     return object;
-}
-
-// What the user sees next: the window on screen, the pending layouts run and the window
-// painted at once.
-void paintNow(QWidget &window)
-{
-    if (!window.windowHandle() || !window.windowHandle()->isExposed())
-        (void)QTest::qWaitForWindowExposed(&window);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
-    window.repaint();
 }
 
 // Runs the event loop until `done`, and answers the longest single round of it.
@@ -197,7 +181,7 @@ EmptyTrashRun emptyTrashOnce()
     view.setConfirmation([](QWidget *, const DestructiveConfirmation &) { return true; });
     view.resize(460, 800);
     view.show();
-    paintNow(view);
+    BenchmarkWidgets::paintNow(view);
     run.deleted = view.trashedSets()->count();
 
     QElapsedTimer timer;
@@ -205,7 +189,7 @@ EmptyTrashRun emptyTrashOnce()
                      [&run, &timer] { run.saveAndRefetch = double(timer.nsecsElapsed()) / 1e6; });
     timer.start();
     view.emptyTrash();
-    paintNow(view);
+    BenchmarkWidgets::paintNow(view);
     run.total = double(timer.nsecsElapsed()) / 1e6;
 
     if (view.currentPage() != static_cast<QWidget *>(view.emptyState()))
@@ -217,9 +201,9 @@ EmptyTrashRun emptyTrashOnce()
 
 void benchmarkEmptyTrash(int runs, QJsonObject &summary)
 {
-    Samples total;
-    Samples saveAndRefetch;
-    Samples sqliteDelete;
+    BenchmarkSamples total;
+    BenchmarkSamples saveAndRefetch;
+    BenchmarkSamples sqliteDelete;
     EmptyTrashRun last;
     for (int run = 0; run < runs; ++run) {
         last = emptyTrashOnce();
@@ -298,12 +282,12 @@ void benchmarkWishlist(const QString &catalogPath, int runs, QJsonObject &summar
     SetListViewModel lists(*store);
 
     // Baseline: the look-ups alone, on this thread.
-    Samples lookUps;
+    BenchmarkSamples lookUps;
     for (int run = 0; run < runs; ++run)
         lookUps.values.append(BenchmarkOutput::milliseconds([&] { (void)WishlistSetResolver::lookUp(*catalog, numbers); }));
 
     // Baseline: a plain table of as many rows.
-    Samples plainTable;
+    BenchmarkSamples plainTable;
     for (int run = 0; run < runs; ++run) {
         QElapsedTimer timer;
         timer.start();
@@ -317,7 +301,7 @@ void benchmarkWishlist(const QString &catalogPath, int runs, QJsonObject &summar
                 table.setItem(row, column, new QTableWidgetItem(texts[column]));
         }
         table.show();
-        paintNow(table);
+        BenchmarkWidgets::paintNow(table);
         plainTable.values.append(double(timer.nsecsElapsed()) / 1e6);
     }
     BenchmarkOutput::print({{u"benchmark"_s, u"wishlist-trash"_s}, {u"wishlistItems"_s, int(entries.size())},
@@ -328,9 +312,9 @@ void benchmarkWishlist(const QString &catalogPath, int runs, QJsonObject &summar
     for (const bool grid : {true, false}) {
         lists.setGridView(grid);
         const QString mode = grid ? u"Grid"_s : u"Table"_s;
-        Samples open;
-        Samples facts;
-        Samples mainThread;
+        BenchmarkSamples open;
+        BenchmarkSamples facts;
+        BenchmarkSamples mainThread;
         int catalogNames = 0;
         for (int run = 0; run < runs; ++run) {
             QElapsedTimer timer;
@@ -338,12 +322,12 @@ void benchmarkWishlist(const QString &catalogPath, int runs, QJsonObject &summar
             WishlistListView view(context, lists);
             view.resize(900, 700);
             view.show();
-            paintNow(view);
+            BenchmarkWidgets::paintNow(view);
             open.values.append(double(timer.nsecsElapsed()) / 1e6);
             double longest = longestStepUntil([&view] { return !view.items()->isLookingUp(); });
             QElapsedTimer last;
             last.start();
-            paintNow(view);
+            BenchmarkWidgets::paintNow(view);
             longest = std::max(longest, double(last.nsecsElapsed()) / 1e6);
             facts.values.append(double(timer.nsecsElapsed()) / 1e6);
             mainThread.values.append(longest);
