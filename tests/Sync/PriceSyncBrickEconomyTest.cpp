@@ -5,12 +5,15 @@
 // adapter's rate limiter is opened up so that a handful of sets does not take minutes.
 #include "BrickEconomyAdapter.h"
 #include "BrickEconomyStandIn.h"
+#include "CatalogFixture.h"
 #include "PriceSyncFixture.h"
 #include "SyncLogRecord.h"
 #include "TestEnvironment.h"
 
 #include "Services/CatalogSyncService.h"
 #include "Services/PriceRefreshProgress.h"
+#include "Services/RebrickableCatalog.h"
+#include "ViewModels/SetDetailViewModel.h"
 #include "Store/PersistenceController.h"
 #include "Store/PersistentContainer.h"
 #include "Views/TranslationLoader.h"
@@ -181,6 +184,35 @@ private Q_SLOTS:
         QVERIFY(store().guidesOf(set.objectID).isEmpty());
         QCOMPARE(log.lines(), (QList<SyncLogRecord::Line>{
                                   {QtCriticalMsg, u"No pricing provider with valid credentials configured"_s}}));
+    }
+
+    void theDetailsRefreshSyncsTheSetThenStoresItsPrices()
+    {
+        // A copy stored under the number without its version, as a hand-made list has it.
+        QTemporaryDir catalogFolder;
+        CatalogFixture fixture;
+        fixture.addRows(u"themes"_s, "1,Test Theme,\n");
+        fixture.addRows(u"sets"_s, "10001-1,Metroliner,1985,1,800,\n");
+        RebrickableCatalog::replaceShared(RebrickableCatalog::openFile(fixture.build(catalogFolder.filePath(u"catalog"_s))));
+        const BrickSet copy = store().addCopy(store().addSet(u"10001"_s));
+
+        SetDetailViewModel detail(copy, m_controller->container().viewContext());
+        detail.setCatalogSyncStep([this](QString number) { return m_service->syncSet(std::move(number)); });
+        detail.setPriceSyncStep([this](QString number, ObjectID catalogSet) {
+            return m_service->syncExternalDataOfSet(std::move(number), catalogSet);
+        });
+        run(detail.refresh());
+        RebrickableCatalog::replaceShared(nullptr);
+
+        QVERIFY2(!detail.syncError(), qPrintable(detail.syncError().value_or(QString())));
+        QVERIFY(!detail.isSyncing());
+        QCOMPARE(m_standIn->server().requestCount(BrickEconomyStandIn::setPath(u"10001-1"_s)), 1);
+        const std::optional<CatalogSet> synced = m_controller->container().viewContext().fetchFirst(
+            FetchRequest<CatalogSet>(Predicate::equal(u"setNumber"_s, u"10001-1"_s)));
+        QVERIFY(synced);
+        QCOMPARE(synced->name, std::optional<QString>(u"Metroliner"_s));
+        QCOMPARE(store().guidesOf(synced->objectID).size(), 2);
+        QCOMPARE(store().reread(synced->objectID).retailPrice, Decimal::fromString(u"99.99"_s));
     }
 };
 

@@ -324,6 +324,16 @@ QCoro::Task<> CatalogSyncService::reservedExternalSync(QString, ObjectID)
     co_return;
 }
 
+QCoro::Task<> CatalogSyncService::syncExternalDataOfSet(QString setNumber, ObjectID objectID)
+{
+    std::vector<QCoro::Task<>> group;
+    // The price services take the number into their request as given.
+    syncExternalData(group, SetNumberNormalizer::catalogNumber(setNumber), objectID);
+    // The tasks run already; awaiting them ends this when both have ended.
+    for (QCoro::Task<> &task : group)
+        co_await std::move(task);
+}
+
 QCoro::Task<> CatalogSyncService::syncPrices(QString setNumber, ObjectID objectID)
 {
     PricingProvider *const provider = co_await registry().activeProvider(false);

@@ -66,6 +66,10 @@ public:
     // syncPrices(setNumber, objectID); the second does nothing and is kept as the place of
     // further external data (instructions are fetched when their screen asks for them).
     void syncExternalData(std::vector<QCoro::Task<>> &group, QString setNumber, ObjectID objectID);
+    // The price step of a set detail's refresh: syncExternalData() for the set's number in
+    // the catalog's form (with or without its "-1" as given), ending when both of its
+    // tasks have ended. Never fails towards the caller.
+    QCoro::Task<> syncExternalDataOfSet(QString setNumber, ObjectID objectID);
 
     // Fetches the prices of one set from the active provider and replaces that provider's
     // guides of the CatalogSet `objectID` with them. Never fails towards the caller.

@@ -4,7 +4,6 @@
 #include "Logging.h"
 #include "Services/CatalogSyncService.h"
 #include "Services/LegoInstructionsService.h"
-#include "SetNumberNormalizer.h"
 #include "Store/PersistentContainer.h"
 #include "Store/StoreChanges.h"
 #include "Store/StoreError.h"
@@ -308,18 +307,11 @@ void ContentView::replaceCopyDetail(const BrickSet &copy)
         editor->setTrash(m_trash);
         return editor;
     });
-    m_copyDetail->setPriceSyncStep(&ContentView::syncPrices);
+    m_copyDetail->setPriceSyncStep([](QString setNumber, ObjectID catalogSet) {
+        return CatalogSyncService::shared().syncExternalDataOfSet(std::move(setNumber), catalogSet);
+    });
     connect(m_copyDetail, &SetDetailView::partsChecklistRequested, this, &ContentView::partsChecklistRequested);
     m_detailColumn->addWidget(m_copyDetail);
-}
-
-QCoro::Task<> ContentView::syncPrices(QString setNumber, ObjectID catalogSet)
-{
-    std::vector<QCoro::Task<>> group;
-    CatalogSyncService::shared().syncExternalData(group, SetNumberNormalizer::catalogNumber(setNumber), catalogSet);
-    // The tasks run already; awaiting them ends the refresh when both have ended.
-    for (QCoro::Task<> &task : group)
-        co_await std::move(task);
 }
 
 void ContentView::showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description)

@@ -4,8 +4,6 @@
 #include "Services/CatalogResults.h"
 #include "Store/ObjectID.h"
 
-#include <QCoroTask>
-
 #include <QPointer>
 #include <QUrl>
 #include <QWidget>
@@ -93,8 +91,6 @@ private:
     void showDetailPlaceholder(const QString &symbolName, const QString &title, const QString &description);
     bool showCopyDetail();
     void replaceCopyDetail(const BrickSet &copy);
-    // The price step of a copy's refresh: the set's prices from the provider in use.
-    static QCoro::Task<> syncPrices(QString setNumber, ObjectID catalogSet);
     void objectsChanged(const StoreChanges &changes);
     void showCatalogSetDetail();
     void showMiddleColumnFor(const std::optional<SidebarItem> &item);
