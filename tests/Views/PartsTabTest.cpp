@@ -263,6 +263,21 @@ private Q_SLOTS:
         QCOMPARE(childTitles(tab().list()->topLevelItem(1)), (QStringList{u"Plate 1 x 1"_s}));
     }
 
+    void headingsSpanTheRowInBoldAndEveryHeadingIsOpen()
+    {
+        load(u"1000-1"_s);
+        tab().setGroupBy(PartsTab::GroupMode::color);
+        QTreeWidgetItem *regular = tab().list()->topLevelItem(0);
+        QTreeWidgetItem *black = regular->child(0);
+        for (QTreeWidgetItem *heading : {regular, black, tab().list()->topLevelItem(1)}) {
+            QVERIFY(heading->isFirstColumnSpanned());
+            QVERIFY(heading->font(PartsTab::NameColumn).bold());
+            QVERIFY(heading->isExpanded());
+        }
+        QVERIFY(!black->child(0)->isFirstColumnSpanned());
+        QVERIFY(!black->child(0)->font(PartsTab::NameColumn).bold());
+    }
+
     void groupingByCategoryPutsRowsUnderCategoryHeadings()
     {
         load(u"1000-1"_s);

@@ -4,6 +4,7 @@
 #include "Services/RebrickableCatalog.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <algorithm>
 
@@ -12,22 +13,37 @@ using namespace Qt::StringLiterals;
 QList<PartRow> PartsTabModel::readRows(const RebrickableCatalog &catalog, const QString &setNum)
 {
     const QList<CatalogInventoryPartResult> inventory = catalog.inventoryParts(setNum);
-    // A set lists the same few colours and categories on hundreds of rows: each is looked
-    // up once per read, a missing one included.
-    QHash<int, std::optional<CatalogColorResult>> colors;
-    QHash<QString, std::optional<CatalogPartResult>> parts;
+    // A set lists the same few colours and categories on hundreds of rows, and the largest
+    // inventories hold hundreds of distinct parts: the colours and parts are asked in one
+    // batch each rather than one statement per line, and each category once per read.
+    QList<int> colorIDs;
+    QStringList partNums;
+    {
+        QSet<int> seenColors;
+        QSet<QString> seenParts;
+        for (const CatalogInventoryPartResult &line : inventory) {
+            if (!seenColors.contains(line.colorID)) {
+                seenColors.insert(line.colorID);
+                colorIDs.append(line.colorID);
+            }
+            if (!seenParts.contains(line.partNum)) {
+                seenParts.insert(line.partNum);
+                partNums.append(line.partNum);
+            }
+        }
+    }
+    const QHash<int, CatalogColorResult> colors = catalog.colors(colorIDs);
+    const QHash<QString, CatalogPartResult> parts = catalog.parts(partNums);
     QHash<int, QString> categories;
 
     QList<PartRow> rows;
     rows.reserve(inventory.size());
     for (const CatalogInventoryPartResult &line : inventory) {
-        auto color = colors.find(line.colorID);
-        if (color == colors.end())
-            color = colors.insert(line.colorID, catalog.color(line.colorID));
-        auto part = parts.find(line.partNum);
-        if (part == parts.end())
-            part = parts.insert(line.partNum, catalog.part(line.partNum));
-        const int categoryID = part.value() ? part.value()->partCatID : 0;
+        const auto color = colors.constFind(line.colorID);
+        const bool hasColor = color != colors.cend();
+        const auto part = parts.constFind(line.partNum);
+        const bool hasPart = part != parts.cend();
+        const int categoryID = hasPart ? part->partCatID : 0;
         auto category = categories.find(categoryID);
         if (category == categories.end())
             category = categories.insert(categoryID, catalog.partCategoryName(categoryID).value_or(u"Other"_s));
@@ -35,10 +51,10 @@ QList<PartRow> PartsTabModel::readRows(const RebrickableCatalog &catalog, const 
         PartRow row;
         row.id = line.partNum + u'-' + QString::number(line.colorID) + (line.isSpare ? u"-spare"_s : QString());
         row.partNum = line.partNum;
-        row.partName = part.value() ? part.value()->name : line.partNum;
+        row.partName = hasPart ? part->name : line.partNum;
         row.colorID = line.colorID;
-        row.colorName = color.value() ? color.value()->name : u"Unknown"_s;
-        row.colorHex = color.value() ? color.value()->rgb : u"808080"_s;
+        row.colorName = hasColor ? color->name : u"Unknown"_s;
+        row.colorHex = hasColor ? color->rgb : u"808080"_s;
         row.category = category.value();
         row.quantity = line.quantity;
         row.isSpare = line.isSpare;

@@ -13,6 +13,9 @@ PartPictureDelegate::PartPictureDelegate(CellPictureLoader &pictures, QSize pict
     , m_pictures(pictures)
     , m_pictureSize(pictureSize)
 {
+    QPixmap blank(m_pictureSize);
+    blank.fill(Qt::transparent);
+    m_blank = QIcon(blank);
 }
 
 void PartPictureDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
@@ -23,9 +26,7 @@ void PartPictureDelegate::initStyleOption(QStyleOptionViewItem *option, const QM
     // The place is kept while the picture is missing, so rows do not shift when it comes.
     option->features |= QStyleOptionViewItem::HasDecoration;
     option->decorationSize = m_pictureSize;
-    QPixmap blank(m_pictureSize);
-    blank.fill(Qt::transparent);
-    option->icon = QIcon(blank);
+    option->icon = m_blank;
 }
 
 void PartPictureDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QIcon>
 #include <QSize>
 #include <QStyledItemDelegate>
 
@@ -27,4 +28,6 @@ protected:
 private:
     CellPictureLoader &m_pictures;
     QSize m_pictureSize;
+    // Holds the picture's place while it is missing; made once, as rows are measured often.
+    QIcon m_blank;
 };

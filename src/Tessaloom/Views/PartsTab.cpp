@@ -10,7 +10,9 @@
 #include <QComboBox>
 #include <QFutureWatcher>
 #include <QHBoxLayout>
+#include <QHash>
 #include <QHeaderView>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -229,37 +231,59 @@ void PartsTab::refreshList()
     m_list->clear();
     const bool noData = !m_model.isLoading() && m_model.parts().isEmpty();
     m_body->setCurrentWidget(noData ? static_cast<QWidget *>(m_noDataLabel) : static_cast<QWidget *>(m_list));
+    // The items are built apart from the list and handed to it in one batch: an item made
+    // inside the list announces each row and each value it is given to the view, which for
+    // the largest inventories cost more than the items themselves.
+    QFont headingFont = m_list->font();
+    headingFont.setBold(true);
+    QHash<QString, QIcon> swatches; // a set uses few colours on many rows
+    const auto swatch = [&swatches](const QString &hex) {
+        auto found = swatches.find(hex);
+        if (found == swatches.end())
+            found = swatches.insert(hex, ColorSwatch::icon(hex));
+        return found.value();
+    };
+    QList<QTreeWidgetItem *> sectionItems;
+    QList<QTreeWidgetItem *> headings;
     for (const PartsTabModel::Section &section : m_model.sections()) {
-        QTreeWidgetItem *sectionItem = addHeading(nullptr, sectionTitle(section.kind));
+        QTreeWidgetItem *sectionItem = heading(sectionTitle(section.kind), headingFont);
+        headings.append(sectionItem);
         for (const PartsTabModel::Block &block : section.blocks) {
             QTreeWidgetItem *blockParent = sectionItem;
             if (!block.title.isEmpty()) {
-                blockParent = addHeading(sectionItem, block.title);
+                blockParent = heading(block.title, headingFont);
+                headings.append(blockParent);
                 if (block.colorID)
-                    blockParent->setIcon(NameColumn, ColorSwatch::icon(block.colorHex));
+                    blockParent->setIcon(NameColumn, swatch(block.colorHex));
+                sectionItem->addChild(blockParent);
             }
+            QList<QTreeWidgetItem *> rowItems;
+            rowItems.reserve(block.rows.size());
             for (const PartRow &row : block.rows)
-                addRow(blockParent, row);
+                rowItems.append(rowItem(row, swatch(row.colorHex)));
+            blockParent->addChildren(rowItems);
         }
+        sectionItems.append(sectionItem);
     }
+    m_list->addTopLevelItems(sectionItems);
+    // Spanning is the list's to keep, so it is asked for once the headings are in it.
+    for (QTreeWidgetItem *item : std::as_const(headings))
+        item->setFirstColumnSpanned(true);
     m_list->expandAll();
 }
 
-QTreeWidgetItem *PartsTab::addHeading(QTreeWidgetItem *parent, const QString &title) const
+QTreeWidgetItem *PartsTab::heading(const QString &title, const QFont &font)
 {
-    auto *item = parent ? new QTreeWidgetItem(parent) : new QTreeWidgetItem(m_list);
+    auto *item = new QTreeWidgetItem;
     item->setText(NameColumn, title);
-    QFont font = m_list->font();
-    font.setBold(true);
     item->setFont(NameColumn, font);
     item->setFlags(Qt::ItemIsEnabled);
-    item->setFirstColumnSpanned(true);
     return item;
 }
 
-QTreeWidgetItem *PartsTab::addRow(QTreeWidgetItem *parent, const PartRow &row) const
+QTreeWidgetItem *PartsTab::rowItem(const PartRow &row, const QIcon &swatch)
 {
-    auto *item = new QTreeWidgetItem(parent);
+    auto *item = new QTreeWidgetItem;
     item->setFlags(Qt::ItemIsEnabled);
     item->setData(NameColumn, Qt::UserRole, row.id);
     item->setData(NameColumn, PartPictureDelegate::PictureURLRole,
@@ -268,7 +292,7 @@ QTreeWidgetItem *PartsTab::addRow(QTreeWidgetItem *parent, const PartRow &row) c
     item->setToolTip(NameColumn, row.partName);
     item->setText(NumberColumn, row.partNum);
     item->setText(ColorColumn, row.colorName);
-    item->setIcon(ColorColumn, ColorSwatch::icon(row.colorHex));
+    item->setIcon(ColorColumn, swatch);
     //% "×%L1"
     item->setText(QuantityColumn, qtTrId("parts.quantity.").arg(row.quantity));
     item->setTextAlignment(QuantityColumn, Qt::AlignRight | Qt::AlignVCenter);

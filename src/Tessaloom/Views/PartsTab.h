@@ -8,6 +8,8 @@
 class CellPictureLoader;
 class ImageCacheService;
 class QComboBox;
+class QFont;
+class QIcon;
 class QLabel;
 class QLineEdit;
 class QProgressBar;
@@ -70,8 +72,9 @@ Q_SIGNALS:
 private:
     void refreshHeader();
     void refreshList();
-    QTreeWidgetItem *addRow(QTreeWidgetItem *parent, const PartRow &row) const;
-    QTreeWidgetItem *addHeading(QTreeWidgetItem *parent, const QString &title) const;
+    // A row's and a heading's item, made outside the list.
+    static QTreeWidgetItem *rowItem(const PartRow &row, const QIcon &swatch);
+    static QTreeWidgetItem *heading(const QString &title, const QFont &font);
 
     PartsTabModel m_model;
     quint64 m_generation = 0; // the read whose answer is still wanted
