@@ -2,7 +2,10 @@
 #include "Store/ManagedObjectContext.h"
 
 #include "Logging.h"
+#include "Store/ContextLending.h"
 #include "Store/PersistentContainer.h"
+
+#include <QSemaphore>
 
 #include <sqlite3.h>
 
@@ -39,6 +42,17 @@ AnyEntity emptyEntity(EntityType type)
     return BrickSet{};
 }
 
+// Waits until every block given to the worker has run. The worker runs one task at a time,
+// in the order given, so once a last empty task has run, so has every block before it.
+// Unlike QThreadPool::waitForDone(), which ends the thread, this leaves the thread idle for
+// the next context the worker is lent to.
+void waitForBlocks(QThreadPool &worker)
+{
+    QSemaphore done;
+    worker.start([&done] { done.release(); });
+    done.acquire();
+}
+
 } // namespace
 
 ManagedObjectContext::ManagedObjectContext(PersistentContainer &container, ConcurrencyType type,
@@ -47,19 +61,20 @@ ManagedObjectContext::ManagedObjectContext(PersistentContainer &container, Concu
     , m_concurrencyType(type)
     , m_connection(std::move(connection))
 {
-    if (type == ConcurrencyType::privateQueue) {
-        // One worker thread per context: its blocks run one at a time, in the order given.
-        m_pool = std::make_unique<QThreadPool>();
-        m_pool->setMaxThreadCount(1);
-    }
+    // One worker thread per context, lent by the container: its blocks run one at a
+    // time, in the order given.
+    if (type == ConcurrencyType::privateQueue)
+        m_pool = m_container.lendWorker();
 }
 
 ManagedObjectContext::~ManagedObjectContext()
 {
     if (m_pool)
-        m_pool->waitForDone();
+        waitForBlocks(*m_pool);
     closeScratch();
     closeOverlay();
+    if (m_concurrencyType == ConcurrencyType::privateQueue)
+        giveBackToContainer(&m_container, std::move(m_connection), std::move(m_pool));
 }
 
 qint64 ManagedObjectContext::allocateKey(EntityType entity)

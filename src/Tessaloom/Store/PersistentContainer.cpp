@@ -2,6 +2,7 @@
 #include "Store/PersistentContainer.h"
 
 #include "Logging.h"
+#include "Store/ContextLending.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/StoreConnection.h"
 #include "Store/StoreError.h"
@@ -10,13 +11,51 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
 #include <QThread>
+#include <QThreadPool>
 
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// Contexts that run at the same time rarely number more than this; more idle ones would
+// only hold file handles and page caches.
+constexpr size_t maximumIdleConnections = 4;
+constexpr size_t maximumIdleWorkers = 4;
+
+// The open containers, each with a number never used again, and which container opened each
+// lent connection: a context that ends after its container, or after another container took
+// its address, must not give its connection to a store it does not belong to.
+struct OpenContainers
+{
+    QMutex mutex;
+    QHash<const PersistentContainer *, quint64> serials;
+    QHash<const sqlite3 *, quint64> lentBy;
+    quint64 lastSerial = 0;
+};
+
+OpenContainers &openContainers()
+{
+    static OpenContainers containers;
+    return containers;
+}
+
+// Whether the connection is as a fresh one leaves it: no open transaction (whose end also
+// ends a deferred foreign key check) and nothing in its temporary schema.
+bool isClean(StoreConnection &connection)
+{
+    if (connection.inTransaction())
+        return false;
+    try {
+        auto temporary = connection.prepare(u"SELECT count(*) FROM temp.sqlite_schema"_s);
+        return temporary.step() && temporary.integer(0) == 0;
+    } catch (const StoreError &) {
+        return false;
+    }
+}
 
 QString describePath(const QString &path, const QString &message)
 {
@@ -50,15 +89,27 @@ PersistentContainer::PersistentContainer(QString path, bool inMemory, QObject *p
     , m_path(std::move(path))
     , m_inMemory(inMemory)
 {
+    OpenContainers &containers = openContainers();
+    QMutexLocker locker(&containers.mutex);
+    containers.serials.insert(this, ++containers.lastSerial);
 }
 
 PersistentContainer::~PersistentContainer()
 {
+    {
+        // From here on no context gives anything back to this container.
+        OpenContainers &containers = openContainers();
+        QMutexLocker locker(&containers.mutex);
+        const quint64 serial = containers.serials.take(this);
+        containers.lentBy.removeIf([serial](const auto &entry) { return entry.value() == serial; });
+    }
     // A save still waiting for its turn is written before the store closes: on the way
     // out the main thread may wait, and the user's last change must not be lost.
     if (m_viewContext && m_viewContext->hasQueuedSave())
         m_viewContext->saveWaitingForTurn();
     m_viewContext.reset();
+    m_idleWorkers.clear();
+    m_idleConnections.clear();
 }
 
 std::unique_ptr<PersistentContainer> PersistentContainer::open(const QString &path, bool inMemory, QObject *parent)
@@ -125,10 +176,82 @@ std::unique_ptr<StoreConnection> PersistentContainer::openConnection() const
     return std::make_unique<StoreConnection>(m_path, m_inMemory, false);
 }
 
+std::unique_ptr<StoreConnection> PersistentContainer::lendConnection()
+{
+    {
+        QMutexLocker locker(&m_poolMutex);
+        if (!m_idleConnections.empty()) {
+            std::unique_ptr<StoreConnection> connection = std::move(m_idleConnections.back());
+            m_idleConnections.pop_back();
+            return connection;
+        }
+    }
+    std::unique_ptr<StoreConnection> connection = openConnection();
+    OpenContainers &containers = openContainers();
+    QMutexLocker locker(&containers.mutex);
+    containers.lentBy.insert(connection->handle(), containers.serials.value(this));
+    return connection;
+}
+
+void PersistentContainer::takeBackConnection(std::unique_ptr<StoreConnection> connection)
+{
+    // The next context must find the connection as a fresh one: outside any transaction
+    // (which also ends a deferred foreign key check) and without temporary tables or
+    // views. One that is not is closed, which ends whatever it held.
+    if (!connection || !isClean(*connection))
+        return;
+    QMutexLocker locker(&m_poolMutex);
+    if (m_idleConnections.size() < maximumIdleConnections)
+        m_idleConnections.push_back(std::move(connection));
+    // Otherwise it closes here, as it did before there were pools.
+}
+
+std::unique_ptr<QThreadPool> PersistentContainer::lendWorker()
+{
+    {
+        QMutexLocker locker(&m_poolMutex);
+        if (!m_idleWorkers.empty()) {
+            std::unique_ptr<QThreadPool> worker = std::move(m_idleWorkers.back());
+            m_idleWorkers.pop_back();
+            return worker;
+        }
+    }
+    // One thread: the context's blocks run one at a time, in the order given.
+    auto worker = std::make_unique<QThreadPool>();
+    worker->setMaxThreadCount(1);
+    return worker;
+}
+
+void PersistentContainer::takeBackWorker(std::unique_ptr<QThreadPool> worker)
+{
+    // It comes back idle, its thread waiting for work: that thread is what the next
+    // context is spared from starting. One not kept ends its thread as it goes.
+    if (!worker)
+        return;
+    QMutexLocker locker(&m_poolMutex);
+    if (m_idleWorkers.size() < maximumIdleWorkers)
+        m_idleWorkers.push_back(std::move(worker));
+}
+
+void giveBackToContainer(const PersistentContainer *container, std::unique_ptr<StoreConnection> connection,
+                         std::unique_ptr<QThreadPool> worker)
+{
+    OpenContainers &containers = openContainers();
+    QMutexLocker locker(&containers.mutex);
+    const auto serial = containers.serials.constFind(container);
+    if (serial == containers.serials.cend())
+        return; // closed: the connection and the worker end here
+    // Held until both are back, so the container cannot close meanwhile.
+    auto *open = const_cast<PersistentContainer *>(container);
+    open->takeBackWorker(std::move(worker));
+    if (connection && containers.lentBy.value(connection->handle()) == *serial)
+        open->takeBackConnection(std::move(connection));
+}
+
 std::shared_ptr<ManagedObjectContext> PersistentContainer::newBackgroundContext()
 {
     std::shared_ptr<ManagedObjectContext> context(
-        new ManagedObjectContext(*this, ManagedObjectContext::ConcurrencyType::privateQueue, openConnection()));
+        new ManagedObjectContext(*this, ManagedObjectContext::ConcurrencyType::privateQueue, lendConnection()));
     context->setName(u"backgroundContext"_s);
     context->setMergePolicy(ManagedObjectContext::MergePolicy::mergeByPropertyObjectTrump);
     return context;

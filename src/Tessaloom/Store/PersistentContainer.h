@@ -11,8 +11,10 @@
 
 #include <array>
 #include <memory>
+#include <vector>
 
 class ManagedObjectContext;
+class QThreadPool;
 class StoreConnection;
 
 // The collection store: one SQLite file (or a private in-memory database), its view
@@ -36,14 +38,26 @@ public:
 
     // The main-thread context, named "viewContext"; screens read and write through it.
     ManagedObjectContext &viewContext() const { return *m_viewContext; }
-    // A fresh context with its own connection, whose perform() runs on a worker thread,
-    // named "backgroundContext" with the property-by-property merge policy. Keep it
-    // alive while its work runs.
+    // A fresh context with a connection of its own, whose perform() runs on a worker
+    // thread of its own, named "backgroundContext" with the property-by-property merge
+    // policy. Keep it alive while its work runs. The connection and the worker are lent
+    // from small pools and come back when the context ends (see lendConnection()).
     std::shared_ptr<ManagedObjectContext> newBackgroundContext();
 
     // For the contexts: a new connection to this store (throws StoreError), a primary key
     // for a new object (unique in this process, thread-safe), and the notice of a commit.
     std::unique_ptr<StoreConnection> openConnection() const;
+    // Opening a connection costs a file open, its pragmas and the preparing of every
+    // statement again, more than a small background context's whole work. A connection
+    // that a background context gave back is lent to the next one instead, with its
+    // prepared statements; it comes back only clean (see takeBackConnection()).
+    // Thread-safe; lendConnection() throws StoreError when it has to open one and fails.
+    std::unique_ptr<StoreConnection> lendConnection();
+    void takeBackConnection(std::unique_ptr<StoreConnection> connection);
+    // Likewise the single worker thread of a background context: starting and joining a
+    // thread per context is spared. A worker comes back only idle. Thread-safe.
+    std::unique_ptr<QThreadPool> lendWorker();
+    void takeBackWorker(std::unique_ptr<QThreadPool> worker);
     qint64 allocatePrimaryKey(EntityType entity);
     void postChanges(const StoreChanges &changes);
 
@@ -86,4 +100,9 @@ private:
     quint64 m_servingTurn = 0;
     bool m_viewContextWantsTurn = false;
     std::array<qint64, 9> m_lastKeys{};
+    QMutex m_poolMutex;
+    // Idle connections and workers of ended background contexts, at most a few each:
+    // enough for the contexts that run at once, not a connection per context ever made.
+    std::vector<std::unique_ptr<StoreConnection>> m_idleConnections;
+    std::vector<std::unique_ptr<QThreadPool>> m_idleWorkers;
 };
