@@ -55,6 +55,25 @@ private Q_SLOTS:
         QCOMPARE(model.roleNames().value(BrickSetListModel::SetNumberRole), QByteArray("setNumber"));
     }
 
+    void requestGivenAtConstructionListsOnlyItsCopiesAndFollowsSaves()
+    {
+        auto &context = m_store->viewContext();
+        context.insert(newCopy(m_falcon.objectID));
+        auto thrown = newCopy(m_castle.objectID);
+        thrown.isTrashed = true;
+        context.insert(thrown);
+        context.save();
+
+        BrickSetListModel model(*m_store, collectionRequest());
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QCOMPARE(model.rowCount(), 1);
+        QCOMPARE(model.data(model.index(0), BrickSetListModel::SetNumberRole).toString(), u"75192-1"_s);
+
+        context.insert(newCopy(m_castle.objectID));
+        context.save();
+        QTRY_COMPARE(model.rowCount(), 2);
+    }
+
     void backgroundSaveReachesTheListWithoutARefresh()
     {
         BrickSetListModel model(*m_store);

@@ -11,12 +11,18 @@
 using namespace Qt::StringLiterals;
 
 BrickSetListModel::BrickSetListModel(PersistentContainer &container, QObject *parent)
+    : BrickSetListModel(container, FetchRequest<BrickSet>(), parent)
+{
+}
+
+BrickSetListModel::BrickSetListModel(PersistentContainer &container, const FetchRequest<BrickSet> &request,
+                                     QObject *parent)
     : QAbstractListModel(parent)
     , m_container(container)
     , m_context(container.viewContext())
 {
     connect(&m_container, &PersistentContainer::objectsDidChange, this, &BrickSetListModel::onObjectsDidChange);
-    setFetchRequest(FetchRequest<BrickSet>());
+    setFetchRequest(request);
 }
 
 void BrickSetListModel::setFetchRequest(const FetchRequest<BrickSet> &request)

@@ -33,7 +33,10 @@ public:
     };
     Q_ENUM(Role)
 
+    // Lists every copy.
     explicit BrickSetListModel(PersistentContainer &container, QObject *parent = nullptr);
+    // Lists what `request` selects; the list is read once, under this request only.
+    BrickSetListModel(PersistentContainer &container, const FetchRequest<BrickSet> &request, QObject *parent = nullptr);
 
     FetchRequest<BrickSet> fetchRequest() const { return m_request; }
     // Replaces the request and refetches at once.

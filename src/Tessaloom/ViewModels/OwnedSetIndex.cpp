@@ -6,10 +6,10 @@
 
 OwnedSetIndex::OwnedSetIndex(PersistentContainer &container, QObject *parent)
     : QObject(parent)
-    , m_ownedCopies(std::make_unique<BrickSetListModel>(container))
+    , m_ownedCopies(std::make_unique<BrickSetListModel>(container, FetchRequest<BrickSet>(BrickSetQueries::notTrashed())))
 {
     connect(m_ownedCopies.get(), &BrickSetListModel::refetched, this, &OwnedSetIndex::rebuild);
-    m_ownedCopies->setFetchRequest(FetchRequest<BrickSet>(BrickSetQueries::notTrashed()));
+    rebuild();
 }
 
 OwnedSetIndex::~OwnedSetIndex() = default;

@@ -14,7 +14,9 @@ constexpr qsizetype earlyEmptyingThreshold = 200;
 
 SetListViewModel::SetListViewModel(PersistentContainer &container, QObject *parent)
     : QObject(parent)
-    , m_copies(std::make_unique<BrickSetListModel>(container))
+    // Empty until applyCollectionRequest() below sets the list's own request, so the
+    // collection is read once at start-up.
+    , m_copies(std::make_unique<BrickSetListModel>(container, FetchRequest<BrickSet>(Predicate::alwaysFalse())))
     , m_groups(std::make_unique<SetListGroupModel>(container, *m_copies))
     , m_catalogModel(std::make_unique<CatalogSetListModel>())
     , m_ownedSets(container)

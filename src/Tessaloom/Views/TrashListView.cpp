@@ -22,7 +22,8 @@ using namespace Qt::StringLiterals;
 TrashListView::TrashListView(PersistentContainer &container, CollectionTrash &trash, QWidget *parent)
     : QWidget(parent)
     , m_trash(trash)
-    , m_trashedSets(new BrickSetListModel(container, this))
+    , m_trashedSets(new BrickSetListModel(
+          container, FetchRequest<BrickSet>(BrickSetQueries::trashed(), {{u"trashedDate"_s, false}}), this))
     , m_pictures(new CellPictureLoader(QSize(), 4 * 1024 * 1024, this))
     , m_title(new QLabel(this))
     , m_emptyTrashAction(new QAction(this))
@@ -62,9 +63,6 @@ TrashListView::TrashListView(PersistentContainer &container, CollectionTrash &tr
     bar->addWidget(m_emptyTrashButton);
     layout->addLayout(bar);
     layout->addWidget(m_pages, 1);
-
-    m_trashedSets->setFetchRequest(
-        FetchRequest<BrickSet>(BrickSetQueries::trashed(), {{u"trashedDate"_s, false}}));
 
     m_list->setObjectName(u"trashList"_s);
     m_list->setModel(m_trashedSets);
