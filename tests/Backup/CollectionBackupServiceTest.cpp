@@ -7,6 +7,7 @@
 #include "Services/CollectionBackupError.h"
 #include "Services/CollectionBackupFolder.h"
 #include "Services/CollectionBackupService.h"
+#include "Views/TranslationLoader.h"
 #include "Services/DailyBackupRule.h"
 
 #include <QCoroFuture>
@@ -46,7 +47,11 @@ private:
     }
 
 private Q_SLOTS:
-    void initTestCase() { TestEnvironment::isolate(); }
+    void initTestCase()
+    {
+        TestEnvironment::isolate();
+        QVERIFY(TranslationLoader::install(*qApp, QLocale(QLocale::English, QLocale::UnitedStates)));
+    }
 
     void init()
     {

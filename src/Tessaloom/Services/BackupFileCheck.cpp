@@ -75,7 +75,7 @@ BackupFileCheck::Result BackupFileCheck::check(const QString &path)
     try {
         identity = StoreFileInspector::inspect(path);
     } catch (const StoreError &error) {
-        throw failure(kindFor(error.kind()), path, error.detail());
+        throw CollectionBackupError(kindFor(error.kind()), error.detail()); // the detail names the file
     }
     if (identity == StoreFileInspector::Identity::newStore)
         throw failure(Kind::notABackup, path, u"The file holds no collection."_s);
