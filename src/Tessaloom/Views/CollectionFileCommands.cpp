@@ -107,12 +107,16 @@ QCoro::Task<> CollectionFileCommands::importFile(QString path)
     const QString fileName = QFileInfo(path).fileName();
 
     // What the import changes can be undone from the backup; without one it does not start.
-    //% "Backing up the collection before importing “%1”…"
-    Q_EMIT statusMessage(qtTrId("import.status.backingUp.").arg(fileName));
     QString backupFailure;
     if (m_backUp) {
         try {
             QCoro::Task<> backingUp = m_backUp();
+            // Said only when there is something to wait for: a store without a file has
+            // nothing to back up, and its import begins at once.
+            if (!backingUp.isReady()) {
+                //% "Backing up the collection before importing “%1”…"
+                Q_EMIT statusMessage(qtTrId("import.status.backingUp.").arg(fileName));
+            }
             co_await std::move(backingUp);
         } catch (const CollectionBackupError &error) {
             //% "The import was not started because the collection could not be backed up first. %1"
