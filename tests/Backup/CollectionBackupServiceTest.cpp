@@ -9,6 +9,7 @@
 #include "Services/CollectionBackupService.h"
 #include "Views/TranslationLoader.h"
 #include "Services/DailyBackupRule.h"
+#include "Services/StoreSnapshotCopier.h"
 
 #include <QCoroFuture>
 #include <QDir>
@@ -221,6 +222,27 @@ private Q_SLOTS:
         // The store still takes changes.
         fillCollection(m_container->viewContext(), 1, 0, u"after"_s);
         QCOMPARE(rowCount(storePath(), u"BrickSet"_s), qint64(4));
+    }
+
+    void aStoreThatCannotBeReadIsReportedAsSuchAndLeavesNoCopy()
+    {
+        const QString unreadable = m_folder->filePath(u"garbage.sqlite"_s);
+        QFile garbage(unreadable);
+        QVERIFY(garbage.open(QIODevice::WriteOnly));
+        garbage.write(QByteArray(8192, '\x5a'));
+        garbage.close();
+        const QString destination = m_folder->filePath(u"copy.sqlite.partial"_s);
+        for (const QString &source : {unreadable, m_folder->filePath(u"missing.sqlite"_s)}) {
+            try {
+                StoreSnapshotCopier::copy(source, StoreSnapshotCopier::Source::liveStore, destination);
+                QFAIL("the copy should have failed");
+            } catch (const CollectionBackupError &error) {
+                QCOMPARE(error.kind(), CollectionBackupError::Kind::storeUnreadable);
+                QCOMPARE(error.sentence(), u"The collection could not be read for its backup."_s);
+            }
+            QVERIFY(!QFileInfo::exists(destination));
+            QVERIFY(!QFileInfo::exists(destination + u"-journal"_s));
+        }
     }
 
     void whatAnInterruptedBackupLeftIsRemovedByTheNext()
