@@ -2,9 +2,9 @@
 #include "Views/CollectionFileCommands.h"
 
 #include "Logging.h"
+#include "Services/CSVDocument.h"
 #include "Services/CollectionBackupError.h"
 #include "Services/CollectionBackupService.h"
-#include "Services/CSVDocument.h"
 #include "Services/CollectionFileImport.h"
 #include "Services/ImportResultMessage.h"
 #include "Services/RebrickableSetListExport.h"
