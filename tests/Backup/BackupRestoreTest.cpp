@@ -129,6 +129,13 @@ private Q_SLOTS:
     {
         BrickSetListModel liveList(*m_container);
         QCOMPARE(liveList.count(), 5);
+        {
+            // A background context that ends gives its connection, with its prepared
+            // statements, to the pool; the one after the restore gets it back.
+            const auto earlier = m_container->newBackgroundContext();
+            QCOMPARE(earlier->performAndWait([this](ManagedObjectContext &store) { return notesOf<BrickSet>(store); }).size(),
+                     5);
+        }
         QSignalSpy notices(m_container.get(), &PersistentContainer::objectsDidChange);
         QSignalSpy restored(m_service.get(), &CollectionBackupService::storeRestored);
 
