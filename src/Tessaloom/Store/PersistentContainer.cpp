@@ -15,6 +15,8 @@
 #include <QThread>
 #include <QThreadPool>
 
+#include <algorithm>
+
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
@@ -261,6 +263,13 @@ qint64 PersistentContainer::allocatePrimaryKey(EntityType entity)
 {
     QMutexLocker locker(&m_keyMutex);
     return ++m_lastKeys[size_t(entity)];
+}
+
+void PersistentContainer::reserveKeysUpTo(EntityType entity, qint64 largestKey)
+{
+    QMutexLocker locker(&m_keyMutex);
+    qint64 &last = m_lastKeys[size_t(entity)];
+    last = std::max(last, largestKey);
 }
 
 void PersistentContainer::postChanges(const StoreChanges &changes)

@@ -59,6 +59,10 @@ public:
     std::unique_ptr<QThreadPool> lendWorker();
     void takeBackWorker(std::unique_ptr<QThreadPool> worker);
     qint64 allocatePrimaryKey(EntityType entity);
+    // After the store's rows were replaced as a whole (a backup restored), keys continue
+    // above `largestKey`, so that a new object never takes the key of a row brought in.
+    // Keys never go down: one already handed out stays unique. Thread-safe.
+    void reserveKeysUpTo(EntityType entity, qint64 largestKey);
     void postChanges(const StoreChanges &changes);
 
     // Contexts of this process take turns at the store's single write lock in the order

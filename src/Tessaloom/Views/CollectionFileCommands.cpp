@@ -3,6 +3,8 @@
 
 #include "Logging.h"
 #include "Services/CSVDocument.h"
+#include "Services/CollectionBackupError.h"
+#include "Services/CollectionBackupService.h"
 #include "Services/CollectionFileImport.h"
 #include "Services/ImportResultMessage.h"
 #include "Services/RebrickableSetListExport.h"
@@ -21,6 +23,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 const QString csvSuffix = u"csv"_s;
+
+QCoro::Task<> backUpCollection(PersistentContainer &container)
+{
+    co_await CollectionBackupService::of(container).backUp();
+}
 } // namespace
 
 CollectionFileCommands::CollectionFileCommands(PersistentContainer &container, QWidget *window)
@@ -43,6 +50,7 @@ CollectionFileCommands::CollectionFileCommands(PersistentContainer &container, Q
     m_presentAlert = [this](const QString &title, const QString &text, bool isFailure) {
         showAlertBox(title, text, isFailure);
     };
+    m_backUp = [container = &container] { return backUpCollection(*container); };
     m_exportAction->setObjectName(u"exportDataAction"_s);
     m_importAction->setObjectName(u"importDataAction"_s);
     m_exportSetListAction->setObjectName(u"exportRebrickableSetListAction"_s);
@@ -97,6 +105,35 @@ QCoro::Task<> CollectionFileCommands::importFile(QString path)
     m_isImporting = true;
     m_importAction->setEnabled(false);
     const QString fileName = QFileInfo(path).fileName();
+
+    // What the import changes can be undone from the backup; without one it does not start.
+    QString backupFailure;
+    if (m_backUp) {
+        try {
+            QCoro::Task<> backingUp = m_backUp();
+            // Said only when there is something to wait for: a store without a file has
+            // nothing to back up, and its import begins at once.
+            if (!backingUp.isReady()) {
+                //% "Backing up the collection before importing “%1”…"
+                Q_EMIT statusMessage(qtTrId("import.status.backingUp.").arg(fileName));
+            }
+            co_await std::move(backingUp);
+        } catch (const CollectionBackupError &error) {
+            //% "The import was not started because the collection could not be backed up first. %1"
+            backupFailure = qtTrId("import.backupFailed.").arg(error.sentence());
+        }
+    }
+    if (!self)
+        co_return;
+    if (!backupFailure.isEmpty()) {
+        m_isImporting = false;
+        m_importAction->setEnabled(true);
+        Q_EMIT statusMessage(QString());
+        m_presentAlert(ImportResultMessage::failedTitle(), backupFailure, true);
+        Q_EMIT importFinished();
+        co_return;
+    }
+
     //% "Importing “%1”…"
     Q_EMIT statusMessage(qtTrId("import.status.reading.").arg(fileName));
 

@@ -19,6 +19,9 @@ class QWidget;
 // of other collection tools (see CollectionFileImport), and File → Export As → Rebrickable
 // Set List writes the sets the user has in Rebrickable's format.
 //
+// Before every import the collection is backed up (see CollectionBackupService): the
+// import waits for the backup, and does not start when it fails, saying why.
+//
 // The export is written at once (the text of 10,000 copies takes a few dozen
 // milliseconds); a failure is logged, not shown. The import reads the file, runs on a
 // background context off the main thread while the window stays usable, reports its
@@ -34,6 +37,9 @@ public:
     using FileChooser = std::function<QString(FileDialogMode mode, const QString &suggestedName)>;
     // Shows an alert with its title and text, with an OK button.
     using AlertPresenter = std::function<void(const QString &title, const QString &text, bool isFailure)>;
+    // Awaited before an import; a CollectionBackupError it throws stops the import. By
+    // default the backup service of the store.
+    using BackupStep = std::function<QCoro::Task<>()>;
 
     // The name the export suggests for its file.
     static inline const QString defaultExportName = QStringLiteral("Brick-Inventory");
@@ -48,6 +54,7 @@ public:
     QAction *exportSetListAction() const { return m_exportSetListAction; }
     void setFileChooser(FileChooser chooser) { m_chooseFile = std::move(chooser); }
     void setAlertPresenter(AlertPresenter presenter) { m_presentAlert = std::move(presenter); }
+    void setBackupStep(BackupStep step) { m_backUp = std::move(step); }
     bool isImporting() const { return m_isImporting; }
 
     // Asks for a file and writes the collection to it; returns whether a file was written.
@@ -76,5 +83,6 @@ private:
     QAction *m_exportSetListAction;
     FileChooser m_chooseFile;
     AlertPresenter m_presentAlert;
+    BackupStep m_backUp;
     bool m_isImporting = false;
 };

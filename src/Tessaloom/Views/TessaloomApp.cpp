@@ -6,6 +6,7 @@
 #include "Services/AppUpdateService.h"
 #include "Services/CatalogDatabaseService.h"
 #include "Services/CatalogSyncService.h"
+#include "Services/CollectionBackupService.h"
 #include "Services/DailyCatalogCheck.h"
 #include "Services/NetworkMonitor.h"
 #include "Services/RebrickableCatalog.h"
@@ -15,6 +16,7 @@
 #include "Views/SampleCatalogNotice.h"
 
 #include <QSettings>
+#include <QStatusBar>
 
 using namespace Qt::StringLiterals;
 
@@ -76,6 +78,11 @@ void TessaloomApp::registerDefaults(QSettings &settings, const QLocale &locale)
     qCInfo(lcApp) << "Registered defaults; preferred currency" << settings.value(preferredCurrencyKey).toString();
 }
 
+CollectionBackupService &TessaloomApp::backupService() const
+{
+    return CollectionBackupService::of(m_persistenceController.container());
+}
+
 CatalogSetupView *TessaloomApp::catalogSetupView() const
 {
     return m_catalogSetupView;
@@ -88,9 +95,16 @@ void TessaloomApp::showMainWindow()
                                                     m_updateService);
         if (m_priceRefreshProgress)
             m_mainWindow->showPriceRefreshProgress(*m_priceRefreshProgress);
+        // Shown until the next message replaces it: one line per failed backup, however
+        // it was started (the day's first start, an import, a restore).
+        connect(&backupService(), &CollectionBackupService::backupFailed, m_mainWindow.get(),
+                [window = m_mainWindow.get()](const QString &message) { window->statusBar()->showMessage(message); });
         connect(m_mainWindow.get(), &MainWindow::contentAppeared, this, [this] {
             openCatalogGate();
             runDailyCatalogCheck();
+            // Once the window is on screen: the copy runs on a worker thread, and start-up
+            // never waits for it.
+            runDailyBackup();
         });
     }
     m_mainWindow->show();
@@ -122,4 +136,12 @@ QCoro::Task<> TessaloomApp::runDailyCatalogCheck()
     const bool startedBuild = co_await DailyCatalogCheck::run(m_catalogService, RebrickableCatalog::shared() != nullptr);
     if (self)
         Q_EMIT dailyCatalogCheckFinished(startedBuild);
+}
+
+QCoro::Task<> TessaloomApp::runDailyBackup()
+{
+    QPointer<TessaloomApp> self(this);
+    const bool madeBackup = co_await backupService().backUpIfDue();
+    if (self)
+        Q_EMIT dailyBackupFinished(madeBackup);
 }

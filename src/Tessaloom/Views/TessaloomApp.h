@@ -9,6 +9,7 @@
 #include <memory>
 
 class AppUpdateService;
+class CollectionBackupService;
 class CatalogDatabaseService;
 class CatalogSetupView;
 class MainWindow;
@@ -20,7 +21,8 @@ class QSettings;
 // The application's entry: creates the process-wide objects in a fixed order before any
 // window exists, registers the first-run defaults, then opens the main window. When the
 // window first appears it demands a usable catalog (the set-up sheet) and runs the
-// once-a-day catalog check.
+// once-a-day catalog check and the once-a-day backup of the collection, both in the
+// background; a failed backup is shown once in the window's status bar.
 class TessaloomApp : public QObject
 {
     Q_OBJECT
@@ -46,11 +48,14 @@ public:
     PersistenceController &persistenceController() const { return m_persistenceController; }
     NetworkMonitor &networkMonitor() const { return m_networkMonitor; }
     AppUpdateService &updateService() const { return m_updateService; }
+    CollectionBackupService &backupService() const;
     bool showCatalogSetup() const { return m_showCatalogSetup; }
 
 Q_SIGNALS:
     // The daily catalog check has run (or decided it had nothing to do).
     void dailyCatalogCheckFinished(bool startedBuild);
+    // The start-up backup has run (or found today's backup made already).
+    void dailyBackupFinished(bool madeBackup);
 
 private:
     struct SharedObjects
@@ -66,6 +71,7 @@ private:
 
     void openCatalogGate();
     QCoro::Task<> runDailyCatalogCheck();
+    QCoro::Task<> runDailyBackup();
 
     PersistenceController &m_persistenceController;
     // The refresh of all prices the window shows; only the program's own services have one.

@@ -1261,5 +1261,82 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Add to Favorites</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="backup.error.folderNotCreatable">
+        <source>The folder for backups of the collection could not be created.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backup.error.storeUnreadable">
+        <source>The collection could not be read for its backup.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backup.error.writeFailed">
+        <source>The backup of the collection could not be written.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backup.error.renameFailed">
+        <source>The finished backup of the collection could not be named.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backup.error.notABackup">
+        <source>The chosen file is not a backup of a collection.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backup.error.damaged">
+        <source>The chosen backup is damaged and cannot be restored.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backup.error.foreignFile">
+        <source>The chosen file belongs to another program and cannot be restored.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backup.error.newerVersion">
+        <source>The chosen backup was made by a newer version of Tessaloom and cannot be restored.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backup.error.restoreFailed">
+        <source>The backup could not be restored; the collection was left as it was.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backups.column.date">
+        <source>Backup</source>
+        <extracomment>The date and time a backup of the collection was made</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backups.column.size">
+        <source>Size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backups.restore">
+        <source>Restore…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backups.confirm.title">
+        <source>Restore the Backup?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backups.confirm.message.">
+        <source>The collection will be replaced by the backup of %1. A backup of the collection as it is now is made first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backups.confirm.restore">
+        <source>Restore</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backups.status.restoring.">
+        <source>Restoring the backup of %1…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="backups.status.restored.">
+        <source>The collection was restored from the backup of %1.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.status.backingUp.">
+        <source>Backing up the collection before importing “%1”…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="import.backupFailed.">
+        <source>The import was not started because the collection could not be backed up first. %1</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
