@@ -8,6 +8,7 @@
 #include "SecretStoreDirectly.h"
 #include "Services/KeychainService.h"
 #include "TestEnvironment.h"
+#include "ViewModels/PendingCredentialSave.h"
 #include "ViewModels/SettingsViewModel.h"
 #include "Views/APIKeysSettingsTab.h"
 #include "Views/TranslationLoader.h"
@@ -150,6 +151,24 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!tab.viewModel().saveTask(tokenKey), 10000);
         if (m_hasSecretService)
             QCOMPARE(readDirectly(tokenKey), std::optional<QByteArray>(QByteArray()));
+    }
+
+    void quittingWithinThePauseStillReachesTheStore()
+    {
+        KeychainService service;
+        int saves = 0;
+        {
+            APIKeysSettingsTab tab({brickEconomy()}, countingStore(service, saves));
+            tab.show();
+            QTRY_VERIFY_WITH_TIMEOUT(tab.hasLoaded(), 10000);
+            QTest::keyClicks(tab.field(tokenKey), u"typed-at-quit"_s);
+        }
+        QCOMPARE(saves, 0);
+        // What the application runs when it is about to quit.
+        QVERIFY(PendingCredentialSave::finishAll());
+        QCOMPARE(saves, 1);
+        if (m_hasSecretService)
+            QCOMPARE(readDirectly(tokenKey), std::optional<QByteArray>("typed-at-quit"));
     }
 
     void withoutASecretServiceTheFailureIsLoggedAndTheTabKeepsWorking()

@@ -241,6 +241,26 @@ private Q_SLOTS:
         QTRY_VERIFY(!pending); // and it cleans up after itself
     }
 
+    void quittingWithinThePauseSavesAtOnceAndWaitsForTheSave()
+    {
+        InMemoryCredentialStore memory;
+        {
+            SettingsViewModel model(memory.store());
+            model.setCredential(u"typed-before-quitting"_s, tokenKey);
+            model.setCredential(u"other"_s, consumerKey);
+        }
+        QCOMPARE(PendingCredentialSave::pendingCount(), 2);
+        const qint64 quitAt = memory.elapsedMs();
+        QVERIFY(PendingCredentialSave::finishAll());
+        QCOMPARE(PendingCredentialSave::pendingCount(), 0);
+        QCOMPARE(memory.saves.size(), 2);
+        QVERIFY(memory.saves.last().atMs - quitAt < SettingsViewModel::saveDelay.count());
+        QCOMPARE(memory.current.value(tokenKey), u"typed-before-quitting"_s);
+        QCOMPARE(memory.current.value(consumerKey), u"other"_s);
+        waitPastThePause();
+        QCOMPARE(memory.saves.size(), 2); // the pauses were stopped, not left to save again
+    }
+
     void aFailedSaveIsDroppedWithoutAWordAndTheFieldKeepsItsValue()
     {
         InMemoryCredentialStore memory;

@@ -14,7 +14,8 @@
 // before it goes to the secret store. It belongs to nobody: the window and its view model
 // may close within the pause, and the value the user typed last must still be saved. It
 // deletes itself once the save has ended, or at once when cancelled during the pause.
-// Main thread only.
+// When the application quits within the pause, the save runs at once and the quit waits
+// for it (finishAll()). Main thread only.
 class PendingCredentialSave : public QObject
 {
     Q_OBJECT
@@ -32,7 +33,18 @@ public:
     QString key() const { return m_key; }
     bool isSaving() const { return m_isSaving; }
 
+    // Saves every waiting value now and waits, running the event loop, until all saves
+    // have ended or `patience` ran out; whether all ended. The application runs it when it
+    // is about to quit, so that a key typed just before is not lost with the process.
+    static bool finishAll(std::chrono::milliseconds patience = std::chrono::seconds(5));
+    // How many saves wait or run.
+    static int pendingCount();
+
+Q_SIGNALS:
+    void finished();
+
 private:
+    ~PendingCredentialSave() override;
     PendingCredentialSave(Save save, QString value, QString key, std::chrono::milliseconds pause);
     QCoro::Task<> saveNow();
 
