@@ -2,6 +2,7 @@
 #include "Views/MainWindow.h"
 
 #include "Services/AppUpdateService.h"
+#include "Services/ImageCacheService.h"
 #include "Store/PersistentContainer.h"
 #include "Views/CatalogStatusIndicator.h"
 #include "Views/CollectionFileCommands.h"
@@ -10,6 +11,7 @@
 #include "Views/PriceRefreshStatusView.h"
 #include "Views/SetListView.h"
 #include "Views/SampleCatalogNotice.h"
+#include "Views/SettingsView.h"
 #include "Views/UndoStatusNotice.h"
 #include "ViewModels/CollectionUndoStack.h"
 
@@ -38,6 +40,8 @@ const QString columnsKey = u"mainWindow.columns"_s;
 MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &catalogService,
                        AppUpdateService &updateService, QWidget *parent)
     : QMainWindow(parent)
+    , m_container(container)
+    , m_catalogService(catalogService)
     , m_updateService(updateService)
     , m_contentView(new ContentView(container, catalogService))
     , m_sampleCatalogNotice(new SampleCatalogNotice(catalogService))
@@ -161,6 +165,37 @@ void MainWindow::buildEditMenu()
         m_redoAction->setText(qtTrId("menu.redo.named.").arg(text));
     };
     connect(stack, &QUndoStack::redoTextChanged, this, nameRedo);
+
+    editMenu->addSeparator();
+    //% "Preferences…"
+    m_preferencesAction = editMenu->addAction(qtTrId("menu.preferences"), this, &MainWindow::showPreferences);
+    m_preferencesAction->setObjectName(u"preferencesAction"_s);
+    QList<QKeySequence> preferencesKeys{QKeySequence(u"Ctrl+,"_s)};
+    // The platform's own binding too, where it has one (empty on most Linux desktops).
+    const QKeySequence platformKey(QKeySequence::Preferences);
+    if (!platformKey.isEmpty() && !preferencesKeys.contains(platformKey))
+        preferencesKeys.append(platformKey);
+    m_preferencesAction->setShortcuts(preferencesKeys);
+    m_preferencesAction->setMenuRole(QAction::PreferencesRole);
+}
+
+SettingsView *MainWindow::settingsView() const
+{
+    return m_settingsView;
+}
+
+SettingsView *MainWindow::showPreferences()
+{
+    if (!m_settingsView) {
+        m_settingsView = new SettingsView(m_container, m_catalogService, m_updateService,
+                                          ImageCacheService::shared(), this);
+        // Closing it ends it; credentials typed within their save pause are saved anyway.
+        m_settingsView->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_settingsView->show();
+    m_settingsView->raise();
+    m_settingsView->activateWindow();
+    return m_settingsView;
 }
 
 QCoro::Task<> MainWindow::checkForUpdates()

@@ -5,6 +5,7 @@
 
 #include <QCoroTask>
 #include <QMainWindow>
+#include <QPointer>
 
 class AppUpdateService;
 class CatalogDatabaseService;
@@ -18,6 +19,7 @@ class PriceRefreshStatusView;
 class PersistentContainer;
 class QAction;
 class SampleCatalogNotice;
+class SettingsView;
 class UndoStatusNotice;
 
 // The main window: menus, status bar, the sample-catalog notice and the three-column
@@ -41,6 +43,10 @@ public:
     // File → Export… (Ctrl+E) and File → Import… (Ctrl+I) of the collection's CSV file.
     CollectionFileCommands *fileCommands() const { return m_fileCommands; }
     PartsChecklistWindowGroup *partsChecklistWindows() const { return m_partsChecklistWindows; }
+    // Edit → Preferences… (Ctrl+,): opens the settings window, or brings the open one forward.
+    QAction *preferencesAction() const { return m_preferencesAction; }
+    SettingsView *settingsView() const;
+    SettingsView *showPreferences();
 
     // Opens the parts checklist window of the copy `brickSet`, or brings its open window
     // to the front. Anything that is not an existing copy gets an empty window.
@@ -65,6 +71,8 @@ private:
     QCoro::Task<> checkForUpdates();
     void showAbout();
 
+    PersistentContainer &m_container;
+    CatalogDatabaseService &m_catalogService;
     AppUpdateService &m_updateService;
     ContentView *m_contentView;
     SampleCatalogNotice *m_sampleCatalogNotice;
@@ -72,6 +80,8 @@ private:
     QAction *m_checkForUpdatesAction = nullptr;
     QAction *m_undoAction = nullptr;
     QAction *m_redoAction = nullptr;
+    QAction *m_preferencesAction = nullptr;
+    QPointer<SettingsView> m_settingsView;
     UndoStatusNotice *m_undoNotice;
     CollectionFileCommands *m_fileCommands;
     PartsChecklistWindowGroup *m_partsChecklistWindows;

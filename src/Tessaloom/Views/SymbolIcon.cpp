@@ -63,6 +63,10 @@ const QHash<QString, SymbolMapping> &mappings()
         {u"minus.circle"_s, {u"list-remove"_s, QStyle::SP_ArrowDown}},
         {u"plus.circle"_s, {u"list-add"_s, QStyle::SP_ArrowUp}},
         {u"arrow.uturn.backward"_s, {u"edit-undo"_s, QStyle::SP_ArrowBack}},
+        {u"key"_s, {u"dialog-password"_s, QStyle::SP_DialogOkButton}},
+        {u"sidebar.left"_s, {u"sidebar-show"_s, QStyle::SP_FileDialogListView}},
+        {u"internaldrive"_s, {u"drive-harddisk"_s, QStyle::SP_DriveHDIcon}},
+        {u"arrow.down.circle.fill"_s, {u"go-down"_s, QStyle::SP_ArrowDown}},
     };
     return table;
 }

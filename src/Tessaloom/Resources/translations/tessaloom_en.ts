@@ -1338,5 +1338,233 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>The import was not started because the collection could not be backed up first. %1</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="app.title">
+        <source>Tessaloom</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.about.copyright">
+        <source>© 2026 the Tessaloom developers. Free software under the GNU GPL, version 3 or later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.about.dataSources">
+        <source>Data Sources</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.about.source.rebrickable">
+        <source>Sets, parts, colours and themes, from the downloads of rebrickable.com</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.about.source.lego.name">
+        <source>LEGO</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.about.source.lego">
+        <source>Building instructions, from lego.com</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.about.version">
+        <source>Version %1 (%2)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.soldData">
+        <source>Sold prices</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.listingsOnly">
+        <source>Listings only</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.bulk">
+        <source>Bulk</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.newAndUsed">
+        <source>New &amp; used</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.newOnly">
+        <source>New only</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.usedOnly">
+        <source>Used only</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.description">
+        <source>Prices come from the services below. Enter the keys of your own account with each; they are kept in your desktop&apos;s secret store and nowhere else.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.show">
+        <source>Show</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.showHint">
+        <source>Show the key while this is pressed in</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.apiKeys.bricksetDescription">
+        <source>Brickset supplies set facts, not prices.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.rebrickableCatalog">
+        <source>Rebrickable Catalog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.database">
+        <source>Database</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.checkForUpdates">
+        <source>Check for Updates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.rebuildDatabase">
+        <source>Rebuild Database…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.imageCache">
+        <source>Image Cache</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.diskUsage">
+        <source>Disk Usage</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.clearImageCache">
+        <source>Clear Image Cache</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.storage">
+        <source>Storage</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.showInFinder">
+        <source>Show in File Manager</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.data">
+        <source>Data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.refreshAllPrices">
+        <source>Refresh All Prices</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.exportData">
+        <source>Export Data…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.resetCollection">
+        <source>Reset Collection…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.resetCollectionHelp">
+        <source>Deletes every set of your collection, its parts inventory and your wishlist. The catalog stays.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.notDownloaded">
+        <source>Not downloaded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.databaseSizeAndDate">
+        <source>%1, built %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.updateStarted">
+        <source>A newer catalog is available and is being built.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.upToDate">
+        <source>Up to date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.rebuildConfirmTitle">
+        <source>Rebuild the Catalog?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.rebuildConfirmMessage">
+        <source>The catalog is downloaded again from Rebrickable and rebuilt. Your collection is not touched.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.exportFailed.">
+        <source>The export failed: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.resetConfirmTitle">
+        <source>Reset Collection?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.resetConfirmMessage">
+        <source>Every set of your collection, its parts inventory and your wishlist will be deleted. This cannot be undone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.exportDataFirst">
+        <source>Export Data First…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.cancel">
+        <source>Cancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.resetNotBackedUp">
+        <source>The collection could not be backed up, so nothing was deleted.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.resetFailed.">
+        <source>The collection could not be reset: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.resetDone">
+        <source>The collection is empty. The catalog stays as it was.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.general.currency">
+        <source>Currency</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.general.defaultCurrency">
+        <source>Default Currency</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.general.currencyHint">
+        <source>Used for new prices and for totals. Amounts already stored keep their currency.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="menu.preferences">
+        <source>Preferences…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.title">
+        <source>Settings</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.tab.general">
+        <source>General</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.tab.apiKeys">
+        <source>API Keys</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.tab.sidebar">
+        <source>Sidebar</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.tab.cache">
+        <source>Cache</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.tab.about">
+        <source>About</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.sidebar.visibility">
+        <source>Smart Lists</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.sidebar.visibilityHint">
+        <source>Choose which smart lists appear in the sidebar. Hidden lists keep their sets.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+
+class APIKeysSettingsTab;
+class AboutSettingsTab;
+class AppUpdateService;
+class CacheSettingsTab;
+class CatalogDatabaseService;
+class GeneralSettingsTab;
+class ImageCacheService;
+class PersistentContainer;
+class QTabWidget;
+class SidebarSettingsTab;
+
+// The settings window (Edit → Preferences…): five tabs, General, API Keys, Sidebar, Cache
+// and About, in that order. A window of its own beside the main window, not modal; the
+// main window keeps one and brings it forward when asked again. Building it reads nothing
+// from disk: each tab fetches what it shows when it first appears, off the main thread.
+class SettingsView : public QDialog
+{
+    Q_OBJECT
+
+public:
+    SettingsView(PersistentContainer &container, CatalogDatabaseService &catalogService,
+                 AppUpdateService &updateService, ImageCacheService &imageCache, QWidget *parent = nullptr);
+
+    QTabWidget *tabs() const { return m_tabs; }
+    GeneralSettingsTab *generalTab() const { return m_generalTab; }
+    APIKeysSettingsTab *apiKeysTab() const { return m_apiKeysTab; }
+    SidebarSettingsTab *sidebarTab() const { return m_sidebarTab; }
+    CacheSettingsTab *cacheTab() const { return m_cacheTab; }
+    AboutSettingsTab *aboutTab() const { return m_aboutTab; }
+
+private:
+    QTabWidget *m_tabs;
+    GeneralSettingsTab *m_generalTab;
+    APIKeysSettingsTab *m_apiKeysTab;
+    SidebarSettingsTab *m_sidebarTab;
+    CacheSettingsTab *m_cacheTab;
+    AboutSettingsTab *m_aboutTab;
+};
