@@ -5,6 +5,8 @@
 // export first and the backup step, the about tab, and Edit → Preferences….
 #include "DumpServer.h"
 #include "Services/AppUpdateService.h"
+#include "Services/CollectionBackupFolder.h"
+#include "Services/CollectionBackupService.h"
 #include "Services/CatalogDatabaseService.h"
 #include "Services/ImageCacheService.h"
 #include "Store/BrickSetListModel.h"
@@ -25,6 +27,7 @@
 #include "Views/APIKeysSettingsTab.h"
 #include "Views/AboutSettingsTab.h"
 #include "Views/CacheSettingsTab.h"
+#include "Views/CollectionBackupsView.h"
 #include "Views/GeneralSettingsTab.h"
 #include "Views/MainWindow.h"
 #include "Views/SettingsView.h"
@@ -49,6 +52,8 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTreeWidget>
 #include <QTabWidget>
 #include <QTest>
 #include <QUuid>
@@ -495,6 +500,36 @@ private Q_SLOTS:
         QVERIFY(tab.resetMessage()->isVisible());
         QCOMPARE(tab.resetMessage()->text(), u"The collection could not be backed up, so nothing was deleted."_s);
         QVERIFY(tab.button(u"resetCollectionButton"_s)->isEnabled());
+    }
+
+    void theCacheTabListsTheBackupsAndAResetThroughItKeepsACopyOfTheCollection()
+    {
+        QTemporaryDir folder(m_root + u"/reset-XXXXXX"_s);
+        QVERIFY(folder.isValid());
+        const QString storePath = folder.filePath(u"Tessaloom.sqlite"_s);
+        {
+            auto store = PersistenceController::open(storePath);
+            auto &viewContext = store->container().viewContext();
+            for (int copy = 0; copy < 3; ++copy) {
+                BrickSet brickSet;
+                brickSet.id = QUuid::createUuid();
+                brickSet.dateAdded = QDateTime::currentDateTimeUtc();
+                viewContext.insert(brickSet);
+            }
+            viewContext.save();
+
+            SettingsView view(store->container(), *m_catalogService, *m_updates, *m_imageCache);
+            QVERIFY(view.backupsView());
+            QVERIFY(view.cacheTab()->isAncestorOf(view.backupsView()));
+            view.cacheTab()->setResetConfirmation([](QWidget *) { return CacheSettingsTab::ResetChoice::reset; });
+            QVERIFY(QCoro::waitFor(view.cacheTab()->resetCollection()));
+            QCOMPARE(countOf<BrickSet>(viewContext), 0);
+            QTRY_COMPARE(view.backupsView()->list()->topLevelItemCount(), 1);
+        }
+        const QList<CollectionBackup> backups = CollectionBackupFolder(folder.filePath(u"Backups"_s)).list();
+        QCOMPARE(backups.size(), 1);
+        auto backup = PersistenceController::open(backups.first().path);
+        QCOMPARE(countOf<BrickSet>(backup->container().viewContext()), 3);
     }
 
     void anAddedSectionStandsBelowTheTabsOwnSections()

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Views/SettingsView.h"
 
+#include "Services/CollectionBackupService.h"
 #include "Views/APIKeysSettingsTab.h"
 #include "Views/AboutSettingsTab.h"
 #include "Views/CacheSettingsTab.h"
+#include "Views/CollectionBackupsView.h"
 #include "Views/GeneralSettingsTab.h"
 #include "Views/SidebarSettingsTab.h"
 #include "Views/SymbolIcon.h"
 
+#include <QGroupBox>
 #include <QScrollArea>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -56,7 +59,22 @@ SettingsView::SettingsView(PersistentContainer &container, CatalogDatabaseServic
     //% "About"
     m_tabs->addTab(m_aboutTab, SymbolIcon::icon(u"info.circle"_s), qtTrId("settings.tab.about"));
 
+    addBackupsSection(CollectionBackupService::of(container));
+
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs);
     resize(560, 620);
+}
+
+void SettingsView::addBackupsSection(CollectionBackupService &backups)
+{
+    // The collection is copied before a reset deletes it; a copy that fails stops the reset.
+    m_cacheTab->setBackupBeforeReset(backups.backupBeforeReset());
+    //% "Backups of the Collection"
+    auto *section = new QGroupBox(qtTrId("settings.cache.backups"));
+    section->setObjectName(u"backupsSection"_s);
+    m_backupsView = new CollectionBackupsView(backups, section);
+    auto *layout = new QVBoxLayout(section);
+    layout->addWidget(m_backupsView);
+    m_cacheTab->addSection(section);
 }

@@ -8,6 +8,8 @@ class AboutSettingsTab;
 class AppUpdateService;
 class CacheSettingsTab;
 class CatalogDatabaseService;
+class CollectionBackupService;
+class CollectionBackupsView;
 class GeneralSettingsTab;
 class ImageCacheService;
 class PersistentContainer;
@@ -32,12 +34,17 @@ public:
     SidebarSettingsTab *sidebarTab() const { return m_sidebarTab; }
     CacheSettingsTab *cacheTab() const { return m_cacheTab; }
     AboutSettingsTab *aboutTab() const { return m_aboutTab; }
+    // The list of the collection's backups with its Restore… button, in the cache tab.
+    CollectionBackupsView *backupsView() const { return m_backupsView; }
 
 private:
+    void addBackupsSection(CollectionBackupService &backups);
+
     QTabWidget *m_tabs;
     GeneralSettingsTab *m_generalTab;
     APIKeysSettingsTab *m_apiKeysTab;
     SidebarSettingsTab *m_sidebarTab;
     CacheSettingsTab *m_cacheTab;
     AboutSettingsTab *m_aboutTab;
+    CollectionBackupsView *m_backupsView = nullptr;
 };
