@@ -1261,5 +1261,66 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Add to Favorites</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="inventory.copy.paidCurrency">
+        <source>Paid Currency</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.copy.disposalCurrency">
+        <source>Disposal Currency</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.itemCount." numerus="yes">
+        <source>%Ln item(s)</source>
+        <translation>
+            <numerusform>%Ln item</numerusform>
+            <numerusform>%Ln items</numerusform>
+        </translation>
+    </message>
+    <message id="inventory.inStock." numerus="yes">
+        <source>%Ln in stock</source>
+        <translation>
+            <numerusform>%Ln in stock</numerusform>
+            <numerusform>%Ln in stock</numerusform>
+        </translation>
+    </message>
+    <message id="inventory.disposed." numerus="yes">
+        <source>%Ln disposed</source>
+        <translation>
+            <numerusform>%Ln disposed</numerusform>
+            <numerusform>%Ln disposed</numerusform>
+        </translation>
+    </message>
+    <message id="inventory.totalPaid.">
+        <source>Total paid: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.totalSold.">
+        <source>Total sold: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.disposed.yes">
+        <source>Yes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.built">
+        <source>Built</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.paid">
+        <source>Paid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.acquired">
+        <source>Acquired</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.disposed">
+        <source>Disposed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.disposedDate">
+        <source>Disposal Date</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
