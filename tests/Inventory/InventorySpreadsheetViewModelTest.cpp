@@ -659,6 +659,45 @@ private Q_SLOTS:
         QCOMPARE(model->allSets().count(), 3);
     }
 
+    void aRenamedSetMovesItsCopyInTheNameOrder()
+    {
+        m_store->copy(m_store->catalogSet(u"10001-1"_s, u"Alpha"_s));
+        const ObjectID renamed = m_store->catalogSet(u"10002-1"_s, u"Beta"_s);
+        m_store->copy(renamed);
+        m_store->copy(m_store->catalogSet(u"10003-1"_s, u"Gamma"_s));
+        const auto model = viewModel();
+        model->setSort(SortColumn::name, true);
+        const QPersistentModelIndex selected(model->tableModel().index(1, Column::name));
+
+        CatalogSet set = *m_store->context().existingObject<CatalogSet>(renamed);
+        set.name = u"zeta"_s;
+        m_store->context().update(set);
+        m_store->context().save();
+
+        QTRY_COMPARE(names(*model), (QStringList{u"Alpha"_s, u"Gamma"_s, u"zeta"_s}));
+        QCOMPARE(selected.row(), 2);
+        QCOMPARE(selected.data().toString(), u"zeta"_s);
+    }
+
+    void aRefetchOfTheLiveListKeepsTheTableWithoutAReset()
+    {
+        copyOf(u"10001-1"_s);
+        copyOf(u"10002-1"_s);
+        const auto model = viewModel();
+        InventorySpreadsheetModel &table = model->tableModel();
+        QAbstractItemModelTester tester(&table, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const QPersistentModelIndex selected(table.index(1, Column::setNumber));
+        QSignalSpy resets(&table, &QAbstractItemModel::modelReset);
+        QSignalSpy rowsChanged(model.get(), &InventorySpreadsheetViewModel::rowsChanged);
+
+        model->allSets().refetch();
+
+        QCOMPARE(rowsChanged.size(), 1);
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(selected.row(), 1);
+        QCOMPARE(selected.data().toString(), u"10002-1"_s);
+    }
+
     void filterChangesMoveRowsWithoutAResetAndKeepTheSelection()
     {
         copyOf(u"10001-1"_s);
