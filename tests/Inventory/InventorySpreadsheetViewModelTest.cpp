@@ -773,6 +773,34 @@ private Q_SLOTS:
         QCOMPARE(lines[3], QString());
     }
 
+    void copiedDatesAreDaysOfTheSheetsZone()
+    {
+        const QString berlin = u"Europe/Berlin"_s;
+        copyOf(u"10001-1"_s, [&](BrickSet &copy) {
+            copy.acquisitionDate = at(berlin, QDate(2024, 4, 1), QTime(0, 30));
+            copy.dateAdded = at(berlin, QDate(2024, 4, 1), QTime(0, 30));
+        });
+        const auto model = viewModel(QTimeZone(berlin.toUtf8()));
+        QVERIFY(model->clipboardText({0}).endsWith(u"\t2024-04-01\t\t\t\t2024-04-01\n"_s));
+        QCOMPARE(model->yearTotals().entries.size(), 0);
+        model->setTimeZone(QTimeZone::utc());
+        QVERIFY(model->clipboardText({0}).endsWith(u"\t2024-03-31\t\t\t\t2024-03-31\n"_s));
+    }
+
+    void yearTotalsCountInTheYearOfTheSheetsZone()
+    {
+        const QString berlin = u"Europe/Berlin"_s;
+        copyOf(u"10001-1"_s, [&](BrickSet &copy) {
+            copy.pricePaid = amount(u"10"_s);
+            copy.priceCurrency = u"EUR"_s;
+            copy.acquisitionDate = at(berlin, QDate(2024, 1, 1), QTime(0, 30));
+        });
+        const auto model = viewModel(QTimeZone(berlin.toUtf8()));
+        QCOMPARE(model->yearTotals().entries.value(0).year, 2024);
+        model->setTimeZone(QTimeZone::utc());
+        QCOMPARE(model->yearTotals().entries.value(0).year, 2023);
+    }
+
     void yearTotalsOfAKnownStore()
     {
         copyOf(u"10001-1"_s, [](BrickSet &copy) {
