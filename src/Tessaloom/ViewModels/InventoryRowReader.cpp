@@ -4,6 +4,8 @@
 #include "Store/ManagedObjectContext.h"
 #include "StoredVocabulary.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -28,17 +30,63 @@ QString storedCurrency(const std::optional<QString> &stored)
 } // namespace
 
 InventoryRowReader::InventoryRowReader(const QTimeZone &zone)
-    : m_zone(zone)
+    : m_zone(zone.isValid() ? zone : QTimeZone::utc())
     //% "Yes"
     , m_disposedYes(qtTrId("inventory.disposed.yes"))
 {
+    const QDateTime first(QDate(1900, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime end(QDate(2200, 1, 1), QTime(0, 0), Qt::UTC);
+    m_fixedOffsetSeconds = m_zone.offsetFromUtc(first);
+    m_tableEndMsecs = end.toMSecsSinceEpoch();
+    if (m_zone.hasTransitions()) {
+        const QTimeZone::OffsetDataList transitions = m_zone.transitions(first, end);
+        m_offsetChanges.reserve(std::size_t(transitions.size()));
+        for (const QTimeZone::OffsetData &transition : transitions)
+            m_offsetChanges.push_back({transition.atUtc.toMSecsSinceEpoch(), transition.offsetFromUtc});
+        // The table of changes may end before the zone's clocks stop changing (the
+        // rule that goes on after the last listed change is not listed); the table is
+        // trusted beyond its last change only when the clocks stand still there.
+        if (!m_offsetChanges.empty()) {
+            const OffsetChange &last = m_offsetChanges.back();
+            const QDateTime lastAt = QDateTime::fromMSecsSinceEpoch(last.atMsecs, Qt::UTC);
+            const QDate nextYear = lastAt.date().addYears(1);
+            const bool standsStill = [&] {
+                for (const QDate day : {QDate(nextYear.year(), 1, 1), QDate(nextYear.year(), 7, 1), QDate(2199, 1, 1),
+                                        QDate(2199, 7, 1)}) {
+                    if (m_zone.offsetFromUtc(QDateTime(day, QTime(0, 0), Qt::UTC)) != last.offsetSeconds)
+                        return false;
+                }
+                return true;
+            }();
+            if (!standsStill)
+                m_tableEndMsecs = last.atMsecs;
+        }
+    }
 }
 
-QDate InventoryRowReader::dayOf(const std::optional<QDateTime> &instant) const
+int InventoryRowReader::offsetSecondsAt(qint64 msecsSinceEpoch) const
 {
-    if (!instant || !instant->isValid())
+    if (!m_zone.hasTransitions())
+        return m_fixedOffsetSeconds;
+    // Outside the table the zone itself answers, slowly but rightly.
+    if (m_offsetChanges.empty() || msecsSinceEpoch < m_offsetChanges.front().atMsecs
+        || msecsSinceEpoch >= m_tableEndMsecs)
+        return m_zone.offsetFromUtc(QDateTime::fromMSecsSinceEpoch(msecsSinceEpoch, Qt::UTC));
+    const auto after = std::upper_bound(m_offsetChanges.cbegin(), m_offsetChanges.cend(), msecsSinceEpoch,
+                                        [](qint64 at, const OffsetChange &change) { return at < change.atMsecs; });
+    return std::prev(after)->offsetSeconds;
+}
+
+QDate InventoryRowReader::dayOf(qint64 msecsSinceEpoch) const
+{
+    if (msecsSinceEpoch == InventoryRow::distantPast)
         return {};
-    return instant->toTimeZone(m_zone).date();
+    constexpr qint64 msecsPerDay = 86'400'000;
+    constexpr qint64 julianDayOfEpoch = 2'440'588;
+    const qint64 local = msecsSinceEpoch + qint64(offsetSecondsAt(msecsSinceEpoch)) * 1000;
+    // Floor division, so instants before 1970 fall on the right day too.
+    const qint64 days = local >= 0 ? local / msecsPerDay : -((-local + msecsPerDay - 1) / msecsPerDay);
+    return QDate::fromJulianDay(julianDayOfEpoch + days);
 }
 
 std::shared_ptr<const InventoryRow> InventoryRowReader::read(const BrickSetWithCatalogSet &copy) const
@@ -80,9 +128,9 @@ std::shared_ptr<const InventoryRow> InventoryRowReader::read(const BrickSetWithC
     row->acquiredMsecs = msecsOf(set.acquisitionDate);
     row->disposedDateMsecs = msecsOf(set.disposalDate);
     row->addedMsecs = msecsOf(set.dateAdded);
-    row->acquiredDay = dayOf(set.acquisitionDate);
-    row->disposedDay = dayOf(set.disposalDate);
-    row->addedDay = dayOf(set.dateAdded);
+    row->acquiredDay = dayOf(row->acquiredMsecs);
+    row->disposedDay = dayOf(row->disposedDateMsecs);
+    row->addedDay = dayOf(row->addedMsecs);
     const bool acquired = set.acquisitionDate && set.acquisitionDate->isValid();
     row->filterDateMsecs = acquired ? row->acquiredMsecs : row->addedMsecs;
     row->filterDay = acquired ? row->acquiredDay : row->addedDay;

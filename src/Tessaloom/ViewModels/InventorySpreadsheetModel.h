@@ -2,10 +2,9 @@
 #pragma once
 
 #include "Store/ObjectID.h"
+#include "ViewModels/InventoryCellFormat.h"
 
 #include <QAbstractTableModel>
-
-#include "ViewModels/InventoryCellFormat.h"
 
 #include <memory>
 

@@ -4,6 +4,7 @@
 #include "Store/BrickSetListModel.h"
 #include "Store/BrickSetQueries.h"
 #include "Store/PersistentContainer.h"
+#include "ViewModels/DebouncedSettingWriter.h"
 #include "ViewModels/InventoryClipboardText.h"
 #include "ViewModels/InventoryFooter.h"
 #include "ViewModels/InventoryRow.h"
@@ -30,6 +31,7 @@ InventorySpreadsheetViewModel::InventorySpreadsheetViewModel(PersistentContainer
     , m_container(container)
     , m_statusFilterRaw(QSettings().value(statusFilterKey, u"all"_s).toString())
     , m_timeZone(QTimeZone::systemTimeZone())
+    , m_statusFilterWriter(std::make_unique<DebouncedSettingWriter>(statusFilterKey))
     , m_reader(std::make_unique<InventoryRowReader>(m_timeZone))
     , m_collator(std::make_unique<QCollator>(QLocale()))
     , m_allSets(std::make_unique<BrickSetListModel>(container))
@@ -123,7 +125,7 @@ void InventorySpreadsheetViewModel::setStatusFilterRaw(const QString &raw)
     if (raw == m_statusFilterRaw)
         return;
     m_statusFilterRaw = raw;
-    QSettings().setValue(statusFilterKey, raw);
+    m_statusFilterWriter->setValue(raw);
     Q_EMIT stateChanged();
     chooseRows();
 }
@@ -144,6 +146,7 @@ void InventorySpreadsheetViewModel::setSort(SortColumn column, bool ascending)
         return;
     m_sortOrder = column;
     m_sortAscending = ascending;
+    invalidateOrder();
     Q_EMIT stateChanged();
     chooseRows();
 }
@@ -235,7 +238,9 @@ InventorySpreadsheetModel &InventorySpreadsheetViewModel::tableModel() const
 
 QString InventorySpreadsheetViewModel::footerText() const
 {
-    return InventoryFooter::text(m_table->rows(), m_table->cellFormat());
+    if (!m_footerText)
+        m_footerText = InventoryFooter::text(m_table->rows(), m_table->cellFormat());
+    return *m_footerText;
 }
 
 QString InventorySpreadsheetViewModel::clipboardText(const QList<int> &rows) const
@@ -257,14 +262,25 @@ QString InventorySpreadsheetViewModel::clipboardText(const QList<int> &rows) con
 
 InventoryYearTotals InventorySpreadsheetViewModel::yearTotals() const
 {
-    return InventoryYearTally::of(m_table->rows(), m_table->cellFormat().localeCurrency());
+    if (!m_yearTotals)
+        m_yearTotals = InventoryYearTally::of(m_table->rows(), m_table->cellFormat().localeCurrency());
+    return *m_yearTotals;
 }
 
 void InventorySpreadsheetViewModel::readRows(int first, int last)
 {
     const QList<BrickSetWithCatalogSet> &copies = m_allSets->rows();
-    for (int row = std::max(first, 0); row <= last && row < int(m_source.size()) && row < copies.size(); ++row)
+    // A few edited copies each move to their new place; many are sorted again at once.
+    constexpr int mostMovedOneByOne = 32;
+    const bool oneByOne = last - first < mostMovedOneByOne;
+    const InventoryRowChoice::Order order{m_sortOrder, m_sortAscending};
+    for (int row = std::max(first, 0); row <= last && row < int(m_source.size()) && row < copies.size(); ++row) {
         m_source[std::size_t(row)] = m_reader->read(copies[row]);
+        if (m_orderValid && oneByOne)
+            InventoryRowChoice::reposition(m_order, m_source, row, order, *m_collator);
+    }
+    if (!oneByOne)
+        invalidateOrder();
 }
 
 void InventorySpreadsheetViewModel::readAllRows()
@@ -274,6 +290,7 @@ void InventorySpreadsheetViewModel::readAllRows()
     m_source.reserve(std::size_t(copies.size()));
     for (const BrickSetWithCatalogSet &copy : copies)
         m_source.push_back(m_reader->read(copy));
+    invalidateOrder();
 }
 
 void InventorySpreadsheetViewModel::insertRows(int first, int last)
@@ -284,6 +301,7 @@ void InventorySpreadsheetViewModel::insertRows(int first, int last)
         added.push_back(m_reader->read(copies[row]));
     const std::size_t at = std::min(std::size_t(std::max(first, 0)), m_source.size());
     m_source.insert(m_source.begin() + qsizetype(at), added.begin(), added.end());
+    invalidateOrder();
 }
 
 void InventorySpreadsheetViewModel::removeRows(int first, int last)
@@ -292,26 +310,37 @@ void InventorySpreadsheetViewModel::removeRows(int first, int last)
     const std::size_t end = std::min(std::size_t(last) + 1, m_source.size());
     if (begin < end)
         m_source.erase(m_source.begin() + qsizetype(begin), m_source.begin() + qsizetype(end));
+    invalidateOrder();
+}
+
+void InventorySpreadsheetViewModel::invalidateOrder()
+{
+    m_orderValid = false;
+    m_order.clear();
 }
 
 void InventorySpreadsheetViewModel::chooseRows()
 {
-    InventoryRowChoice::Criteria criteria;
-    criteria.statusFilterRaw = m_statusFilterRaw;
-    criteria.searchText = m_searchText;
+    if (!m_orderValid) {
+        m_order = InventoryRowChoice::sorted(m_source, {m_sortOrder, m_sortAscending}, *m_collator);
+        m_orderValid = true;
+    }
+    InventoryRowChoice::Filter filter;
+    filter.statusFilterRaw = m_statusFilterRaw;
+    filter.searchText = m_searchText;
     if (m_filterDateFrom)
-        criteria.from = m_filterDateFrom->startOfDay(m_timeZone).toMSecsSinceEpoch();
+        filter.from = m_filterDateFrom->startOfDay(m_timeZone).toMSecsSinceEpoch();
     // The start of the day after the last day, so that the whole last day counts.
     if (m_filterDateTo)
-        criteria.before = m_filterDateTo->addDays(1).startOfDay(m_timeZone).toMSecsSinceEpoch();
-    criteria.sortColumn = m_sortOrder;
-    criteria.ascending = m_sortAscending;
+        filter.before = m_filterDateTo->addDays(1).startOfDay(m_timeZone).toMSecsSinceEpoch();
 
-    const QList<int> chosen = InventoryRowChoice::choose(m_source, criteria, *m_collator);
+    const QList<int> chosen = InventoryRowChoice::filtered(m_source, m_order, filter);
     QList<std::shared_ptr<const InventoryRow>> rows;
     rows.reserve(chosen.size());
     for (const int at : chosen)
         rows.append(m_source[std::size_t(at)]);
     m_table->setRows(std::move(rows));
+    m_footerText.reset();
+    m_yearTotals.reset();
     Q_EMIT rowsChanged();
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 class BrickSetListModel;
+class DebouncedSettingWriter;
 class InventoryRowReader;
 class InventorySpreadsheetModel;
 class ManagedObjectContext;
@@ -89,6 +90,7 @@ private:
     void insertRows(int first, int last);
     void removeRows(int first, int last);
     void chooseRows();
+    void invalidateOrder();
 
     PersistentContainer &m_container;
     QString m_searchText;
@@ -100,10 +102,21 @@ private:
     bool m_showDateFilter = false;
     QTimeZone m_timeZone;
 
+    // The status filter reaches the settings file once the clicking pauses: writing it
+    // costs tens of milliseconds, more than choosing the rows.
+    std::unique_ptr<DebouncedSettingWriter> m_statusFilterWriter;
     std::unique_ptr<InventoryRowReader> m_reader;
     std::unique_ptr<QCollator> m_collator;
     std::unique_ptr<BrickSetListModel> m_allSets;
     std::unique_ptr<InventorySpreadsheetModel> m_table;
     // One row per copy of allSets(), in its order.
     std::vector<std::shared_ptr<const InventoryRow>> m_source;
+    // The positions of every row of m_source in the chosen order, before any filter;
+    // sorted anew only when the order or the list's positions change.
+    QList<int> m_order;
+    bool m_orderValid = false;
+    // Worked out on the first request after each choice: the footer and the chart may
+    // both ask, and more than once.
+    mutable std::optional<QString> m_footerText;
+    mutable std::optional<InventoryYearTotals> m_yearTotals;
 };
