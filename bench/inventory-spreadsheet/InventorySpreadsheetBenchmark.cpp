@@ -348,7 +348,7 @@ int main(int argc, char *argv[])
     for (int run = 0; run < runs; ++run) {
         const int row = table.rowAt(table.viewport()->height() / 2);
         const ObjectID copy = viewModel.tableModel().objectIDAt(row);
-        const QString price = QString::number(1000 + run) + u".25"_s;
+        const QString price = QString::number(500 + run) + u".25"_s;
         sinceNotice.invalidate();
         commits.values.append(BenchmarkOutput::milliseconds([&] {
             background->performAndWait([copy, price](ManagedObjectContext &other) {
@@ -362,7 +362,7 @@ int main(int argc, char *argv[])
         const bool shown = BenchmarkWidgets::processUntil([&] {
             const int now = viewModel.tableModel().rowOf(copy);
             return sinceNotice.isValid() && now >= 0
-                && table.model()->index(now, column).data().toString().contains(QString::number(1000 + run));
+                && table.model()->index(now, column).data().toString().contains(price);
         });
         BenchmarkWidgets::paintNow(*window);
         if (!shown) {
