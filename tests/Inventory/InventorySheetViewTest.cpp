@@ -564,11 +564,19 @@ private Q_SLOTS:
         QCOMPARE(values(sets[2]), (QList<qreal>{0, 679.99, 0}));
         QCOMPARE(values(sets[3]), (QList<qreal>{0, 0, 0}));
 
+        // A new price keeps the years and currencies: the same bars take the new height.
+        BrickSet kept = *context().existingObject<BrickSet>(m_kept.objectID);
+        kept.pricePaid = Decimal::fromString(u"700"_s);
+        context().update(kept);
+        context().save();
+        QTRY_COMPARE(values(sets[2]), (QList<qreal>{0, 700, 0}));
+        QCOMPARE(sheet().yearChart()->series(), series);
+
         // It follows the filters: in stock leaves the dollars of 2023 alone.
         viewModel().setStatusFilterRaw(u"inStock"_s);
         series = sheet().yearChart()->series();
         QCOMPARE(series->barSets().size(), 2);
-        QCOMPARE(values(series->barSets()[0]), QList<qreal>{679.99});
+        QCOMPARE(values(series->barSets()[0]), QList<qreal>{700});
     }
 
     void doubleClickingARowShowsThatCopySelectedInAllSets()

@@ -6,6 +6,7 @@
 #include <QChartView>
 
 class QBarSeries;
+class QValueAxis;
 
 // Money paid and money received per year as grouped bars: one category per year, and for
 // each currency two bar sets, paid and received, so amounts in different currencies stand
@@ -25,6 +26,9 @@ public:
 
 private:
     InventoryYearTotals m_totals;
+    QList<int> m_years;
+    QStringList m_currencies;
     QBarSeries *m_series = nullptr;
+    QValueAxis *m_amountAxis = nullptr;
     bool m_drawn = false;
 };
