@@ -219,6 +219,25 @@ private Q_SLOTS:
         QCOMPARE(content().detailColumn()->currentWidget(), content().detailPlaceholder());
     }
 
+    void theHiddenSetListKeepsItsItemWhileTheSheetShows()
+    {
+        sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::favorites));
+        const QString listed = content().listViewModel().selectionID();
+        chooseInventory();
+        QCOMPARE(content().listViewModel().selectionID(), listed);
+        sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
+        QCOMPARE(content().listViewModel().selectionID(), SidebarItem(SidebarItem::Kind::allSets).id());
+    }
+
+    void controlFPutsTheKeyboardInTheSheetsSearchField()
+    {
+        showContent(content());
+        chooseInventory();
+        content().activateWindow();
+        content().findAction()->trigger();
+        QVERIFY(sheet().searchField()->hasFocus());
+    }
+
     void theSheetIsMadeOnTheFirstVisitAndKeptWithItsSearchAndOrder()
     {
         QCOMPARE(content().inventoryViewModel(), nullptr);
