@@ -95,10 +95,11 @@ InventorySpreadsheetView::InventorySpreadsheetView(InventorySpreadsheetViewModel
     header->setSortIndicatorShown(true);
     header->setHighlightSections(false);
     header->setStretchLastSection(false);
-    header->setMinimumSectionSize(std::min(
-        {InventorySpreadsheetModel::leastWidth(InventorySpreadsheetModel::setNumber),
-         InventorySpreadsheetModel::leastWidth(InventorySpreadsheetModel::year),
-         InventorySpreadsheetModel::leastWidth(InventorySpreadsheetModel::built)}));
+    // The header's own floor is the narrowest column's; each column's is kept below.
+    int narrowest = InventorySpreadsheetModel::leastWidth(0);
+    for (int column = 1; column < InventorySpreadsheetModel::columnCount_; ++column)
+        narrowest = std::min(narrowest, InventorySpreadsheetModel::leastWidth(column));
+    header->setMinimumSectionSize(narrowest);
     for (int column = 0; column < InventorySpreadsheetModel::columnCount_; ++column) {
         const int least = InventorySpreadsheetModel::leastWidth(column);
         const int ideal = InventorySpreadsheetModel::idealWidth(column);
