@@ -10,7 +10,7 @@ build_dir=${TESSALOOM_BUILD_DIR:-$root/build}
 
 packages=(
     g++ cmake ninja-build ccache pkg-config
-    qt6-base-dev qt6-base-dev-tools libgl-dev
+    qt6-base-dev qt6-base-dev-tools libgl-dev qt6-charts-dev
     qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-httpserver-dev
     qcoro-qt6-dev qtkeychain-qt6-dev
     libsqlite3-dev sqlite3 zlib1g-dev

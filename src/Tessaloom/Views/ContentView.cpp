@@ -11,11 +11,14 @@
 #include "ViewModels/CollectionUndoStack.h"
 #include "ViewModels/DebouncedSettingWriter.h"
 #include "ViewModels/DetailColumnRule.h"
+#include "ViewModels/InventorySpreadsheetViewModel.h"
 #include "ViewModels/SetListViewModel.h"
 #include "ViewModels/SidebarItem.h"
 #include "ViewModels/SidebarViewModel.h"
 #include "Views/CatalogSetDetailView.h"
 #include "Views/EmptyStateView.h"
+#include "Views/InventoryFilterView.h"
+#include "Views/InventorySpreadsheetView.h"
 #include "Views/InventoryEditor.h"
 #include "Views/InventoryTab.h"
 #include "Views/SetDetailView.h"
@@ -111,6 +114,9 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
         // The theme browser stands in the list's place with a search field of its own.
         if (m_middleColumn->currentWidget() == m_themeBrowser)
             m_themeBrowser->searchField()->setFocus(Qt::ShortcutFocusReason);
+        // So does the inventory sheet, in the detail column.
+        if (m_inventorySheet && m_detailColumn->currentWidget() == m_inventorySheet)
+            m_inventorySheet->searchField()->setFocus(Qt::ShortcutFocusReason);
     });
 
     // The theme browser's search stays with the window between visits. It is written once
@@ -139,14 +145,24 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     m_splitter->setSizes({sidebarWidth, middleWidth, detailWidth});
 }
 
-ContentView::~ContentView() = default;
+ContentView::~ContentView()
+{
+    // The inventory's widgets hold the view model by reference: they go first.
+    delete m_inventoryFilter;
+    delete m_inventorySheet;
+}
 
 void ContentView::selectionChanged(const std::optional<SidebarItem> &item)
 {
     // A change of sidebar item clears the selected copy unless one waits to be shown.
     m_selectedBrickSet = std::exchange(m_pendingBrickSet, std::nullopt);
     m_selectedCatalogSet.reset();
-    m_listViewModel->sidebarSelectionChanged(item);
+    // The inventory sheet reads the copies itself; the set list, hidden behind it, keeps
+    // what it holds rather than reading the whole collection again for nobody to see.
+    // Leaving the inventory hands the list the next item as usual.
+    const bool inventory = item && item->kind() == SidebarItem::Kind::inventory;
+    if (!inventory)
+        m_listViewModel->sidebarSelectionChanged(item);
 
     showMiddleColumnFor(item);
     m_setListView->setSidebarSelection(item);
@@ -177,11 +193,30 @@ void ContentView::showMiddleColumnFor(const std::optional<SidebarItem> &item)
         case SidebarItem::Kind::trash:
             column = m_trashList;
             break;
+        case SidebarItem::Kind::inventory:
+            makeInventoryColumns();
+            column = m_inventoryFilter;
+            break;
         default:
             break;
         }
     }
     m_middleColumn->setCurrentWidget(column);
+}
+
+void ContentView::makeInventoryColumns()
+{
+    // Made on the first visit, not at start-up, since it reads every copy; kept after
+    // that, so the search, the order and the dates stay for the rest of the session.
+    if (m_inventoryViewModel)
+        return;
+    m_inventoryViewModel = std::make_unique<InventorySpreadsheetViewModel>(m_container);
+    m_inventoryFilter = new InventoryFilterView(*m_inventoryViewModel, m_middleColumn);
+    m_inventoryFilter->setObjectName(u"inventoryFilter"_s);
+    m_middleColumn->addWidget(m_inventoryFilter);
+    m_inventorySheet = new InventorySpreadsheetView(*m_inventoryViewModel, m_detailColumn);
+    m_detailColumn->addWidget(m_inventorySheet);
+    connect(m_inventorySheet, &InventorySpreadsheetView::copyActivated, this, &ContentView::showOwnedCopy);
 }
 
 void ContentView::setSelectedBrickSet(const std::optional<ObjectID> &brickSet)
@@ -205,7 +240,9 @@ void ContentView::showOwnedCopy(const ObjectID &brickSet)
 {
     setSelectedCatalogSet(std::nullopt);
     const std::optional<SidebarItem> shown = m_sidebarViewModel->selectedItem();
-    if (shown && shown->isCatalogItem()) {
+    // The catalog lists and the inventory sheet do not show a selected copy: the window
+    // goes to all sets, where it is selected.
+    if (shown && (shown->isCatalogItem() || shown->kind() == SidebarItem::Kind::inventory)) {
         m_pendingBrickSet = brickSet;
         m_sidebarViewModel->setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
     } else {
@@ -254,6 +291,9 @@ void ContentView::updateDetailColumn()
         return;
     }
     case Content::inventorySpreadsheet:
+        makeInventoryColumns();
+        m_detailColumn->setCurrentWidget(m_inventorySheet);
+        return;
     case Content::setPlaceholder:
         break;
     }

@@ -18,6 +18,9 @@ class CollectionTrash;
 class CollectionUndoStack;
 class DebouncedSettingWriter;
 class EmptyStateView;
+class InventoryFilterView;
+class InventorySpreadsheetView;
+class InventorySpreadsheetViewModel;
 class PersistentContainer;
 class QAction;
 class QSplitter;
@@ -59,6 +62,11 @@ public:
     WishlistListView *wishlistView() const { return m_wishlist; }
     TrashListView *trashList() const { return m_trashList; }
     TrashDetailView *trashDetail() const { return m_trashDetail; }
+    // The inventory's two columns and their shared view model; null until the inventory
+    // item is first chosen, then kept for the window's life.
+    InventoryFilterView *inventoryFilterView() const { return m_inventoryFilter; }
+    InventorySpreadsheetView *inventorySpreadsheet() const { return m_inventorySheet; }
+    InventorySpreadsheetViewModel *inventoryViewModel() const { return m_inventoryViewModel.get(); }
     // Moves copies to the trash, restores them and deletes them for good.
     CollectionTrash &trash() const { return *m_trash; }
     SidebarViewModel &sidebarViewModel() const { return *m_sidebarViewModel; }
@@ -77,7 +85,7 @@ public:
     // The copy waiting to be selected once the sidebar has switched to the collection.
     std::optional<ObjectID> pendingBrickSet() const { return m_pendingBrickSet; }
 
-    // Shows a copy of a catalog set in the collection: from a catalog list the sidebar
+    // Shows a copy in the collection: from a catalog list or the inventory sheet the sidebar
     // switches to all sets and the copy is selected there; elsewhere it is selected at once.
     void showOwnedCopy(const ObjectID &brickSet);
 
@@ -95,6 +103,7 @@ private:
     void showCatalogSetDetail();
     void showMiddleColumnFor(const std::optional<SidebarItem> &item);
     bool isShowingTrash() const;
+    void makeInventoryColumns();
 
     PersistentContainer &m_container;
     std::unique_ptr<SidebarViewModel> m_sidebarViewModel;
@@ -115,6 +124,9 @@ private:
     TrashDetailView *m_trashDetail;
     QAction *m_findAction;
     DebouncedSettingWriter *m_themeBrowserSearchWriter;
+    std::unique_ptr<InventorySpreadsheetViewModel> m_inventoryViewModel;
+    InventoryFilterView *m_inventoryFilter = nullptr;
+    InventorySpreadsheetView *m_inventorySheet = nullptr;
 
     std::optional<ObjectID> m_selectedBrickSet;
     std::optional<CatalogSetResult> m_selectedCatalogSet;

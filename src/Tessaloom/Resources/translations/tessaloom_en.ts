@@ -1566,5 +1566,118 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Choose which smart lists appear in the sidebar. Hidden lists keep their sets.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="inventory.copy.paidCurrency">
+        <source>Paid Currency</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.copy.disposalCurrency">
+        <source>Disposal Currency</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.itemCount." numerus="yes">
+        <source>%Ln item(s)</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message id="inventory.inStock." numerus="yes">
+        <source>%Ln in stock</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message id="inventory.disposed." numerus="yes">
+        <source>%Ln disposed</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message id="inventory.totalPaid.">
+        <source>Total paid: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.totalSold.">
+        <source>Total sold: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.disposed.yes">
+        <source>Yes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.built">
+        <source>Built</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.paid">
+        <source>Paid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.acquired">
+        <source>Acquired</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.disposed">
+        <source>Disposed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="table.column.disposedDate">
+        <source>Disposal Date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.filter.dateRange">
+        <source>Date Range:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.filter.from">
+        <source>From</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.filter.to">
+        <source>To</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.filter.clear">
+        <source>Clear</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.filter.all">
+        <source>All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.filter.inStock">
+        <source>In Stock</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.filter.disposed">
+        <source>Disposed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.search.prompt">
+        <source>Search Inventory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.filter.date">
+        <source>Date Filter</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.chart.title">
+        <source>Paid and Received per Year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.chart.paid.">
+        <source>Paid (%1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="inventory.chart.received.">
+        <source>Received (%1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="settings.cache.backups">
+        <source>Backups of the Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
