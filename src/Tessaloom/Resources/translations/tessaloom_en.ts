@@ -1576,23 +1576,23 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="inventory.itemCount." numerus="yes">
         <source>%Ln item(s)</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%Ln item</numerusform>
+            <numerusform>%Ln items</numerusform>
         </translation>
     </message>
     <message id="inventory.inStock." numerus="yes">
         <source>%Ln in stock</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%Ln in stock</numerusform>
+            <numerusform>%Ln in stock</numerusform>
         </translation>
     </message>
     <message id="inventory.disposed." numerus="yes">
         <source>%Ln disposed</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%Ln disposed</numerusform>
+            <numerusform>%Ln disposed</numerusform>
         </translation>
     </message>
     <message id="inventory.totalPaid.">
