@@ -5,6 +5,7 @@
 
 #include "Services/CatalogDatabaseService.h"
 #include "Services/RebrickableCatalog.h"
+#include "Store/BrickSetListModel.h"
 #include "Store/PersistenceController.h"
 #include "ViewModels/InventorySpreadsheetModel.h"
 #include "ViewModels/InventorySpreadsheetViewModel.h"
@@ -219,14 +220,23 @@ private Q_SLOTS:
         QCOMPARE(content().detailColumn()->currentWidget(), content().detailPlaceholder());
     }
 
-    void theHiddenSetListKeepsItsItemWhileTheSheetShows()
+    void theHiddenSetListHoldsNoCopiesWhileTheSheetShows()
     {
-        sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::favorites));
-        const QString listed = content().listViewModel().selectionID();
-        chooseInventory();
-        QCOMPARE(content().listViewModel().selectionID(), listed);
         sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
-        QCOMPARE(content().listViewModel().selectionID(), SidebarItem(SidebarItem::Kind::allSets).id());
+        QVERIFY(content().listViewModel().copies()->count() > 0);
+        chooseInventory();
+        QCOMPARE(content().listViewModel().selectionID(), SidebarItem(SidebarItem::Kind::inventory).id());
+        QCOMPARE(content().listViewModel().copies()->count(), 0);
+        QSignalSpy hiddenListRefetches(content().listViewModel().copies(), &BrickSetListModel::refetched);
+        QSignalSpy sheetRows(&viewModel(), &InventorySpreadsheetViewModel::rowsChanged);
+        auto edited = *context().existingObject<BrickSet>(m_sold.objectID);
+        edited.notes = u"Sold at the fair"_s;
+        context().update(edited);
+        context().save();
+        QTRY_VERIFY(!sheetRows.isEmpty());
+        QCOMPARE(content().listViewModel().copies()->count(), 0);
+        sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::allSets));
+        QVERIFY(content().listViewModel().copies()->count() > 0);
     }
 
     void controlFPutsTheKeyboardInTheSheetsSearchField()

@@ -160,17 +160,23 @@ FetchRequest<BrickSet> SetListViewModel::fetchRequest(const QString &itemID) con
 
 void SetListViewModel::applyCollectionRequest()
 {
-    // A catalog list shows no copies: its live list holds none rather than refetching the
-    // whole collection after every save.
+    // A catalog list shows no copies, and the inventory sheet, standing in the list's
+    // place, reads its own: the live list holds none then rather than refetching and
+    // regrouping the whole collection after every save for nobody to see.
     applyPriceSort();
-    m_copies->setFetchRequest(m_selection.isCatalog() ? FetchRequest<BrickSet>(Predicate::alwaysFalse())
-                                                      : fetchRequest(m_selectionID));
+    m_copies->setFetchRequest(listsCopies() ? fetchRequest(m_selectionID)
+                                            : FetchRequest<BrickSet>(Predicate::alwaysFalse()));
+}
+
+bool SetListViewModel::listsCopies() const
+{
+    return !m_selection.isCatalog() && m_selection.kind() != SidebarItem::Kind::inventory;
 }
 
 void SetListViewModel::applyCollectionSort()
 {
-    // A catalog list holds no copies to sort.
-    if (m_selection.isCatalog())
+    // A catalog list and the inventory hold no copies to sort.
+    if (!listsCopies())
         return;
     applyPriceSort();
     // Only the order changes: the copies at hand are re-sorted rather than read again.
@@ -180,7 +186,7 @@ void SetListViewModel::applyCollectionSort()
 void SetListViewModel::applyPriceSort()
 {
     // The store cannot order by the computed price: the groups sort by it in memory.
-    const bool priceSort = !m_selection.isCatalog() && SetListSortOrder::sortsInMemory(m_collectionSort.column());
+    const bool priceSort = listsCopies() && SetListSortOrder::sortsInMemory(m_collectionSort.column());
     m_groups->setPriceSort(priceSort ? std::optional<bool>(m_collectionSort.ascending()) : std::nullopt);
 }
 

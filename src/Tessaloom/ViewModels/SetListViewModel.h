@@ -166,6 +166,9 @@ private:
     void collectionSortStored();
     void catalogSortStored();
     void applyCollectionRequest();
+    // Whether the selection shows copies in this list (not a catalog list, not the
+    // inventory sheet).
+    bool listsCopies() const;
     void filtersUpdated();
     void applyCollectionSort();
     void applyPriceSort();

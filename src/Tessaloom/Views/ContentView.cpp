@@ -157,12 +157,9 @@ void ContentView::selectionChanged(const std::optional<SidebarItem> &item)
     // A change of sidebar item clears the selected copy unless one waits to be shown.
     m_selectedBrickSet = std::exchange(m_pendingBrickSet, std::nullopt);
     m_selectedCatalogSet.reset();
-    // The inventory sheet reads the copies itself; the set list, hidden behind it, keeps
-    // what it holds rather than reading the whole collection again for nobody to see.
-    // Leaving the inventory hands the list the next item as usual.
-    const bool inventory = item && item->kind() == SidebarItem::Kind::inventory;
-    if (!inventory)
-        m_listViewModel->sidebarSelectionChanged(item);
+    // For the inventory the list, hidden behind the sheet, lets its copies go: the sheet
+    // reads its own, and a hidden list would refetch after every save.
+    m_listViewModel->sidebarSelectionChanged(item);
 
     showMiddleColumnFor(item);
     m_setListView->setSidebarSelection(item);
