@@ -195,8 +195,8 @@ QCoro::Task<> MainWindow::checkForUpdates()
             QDesktopServices::openUrl(result.newest.pageUrl);
         break;
     }
-    case AppUpdateService::CheckResult::Outcome::failed:
-    {
+    case AppUpdateService::CheckResult::Outcome::failed: {
+        // The sentence says what happened and what to do; the technical text is one click away.
         //% "Update Check Failed"
         QMessageBox box(QMessageBox::Warning, qtTrId("update.failed.title"), result.errorText, QMessageBox::Ok, this);
         box.setObjectName(u"updateCheckFailure"_s);
