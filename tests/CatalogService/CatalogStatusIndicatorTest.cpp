@@ -4,17 +4,21 @@
 #include "Services/RebrickableCatalog.h"
 #include "TestEnvironment.h"
 #include "Views/CatalogStatusIndicator.h"
+#include "Views/FailureMessageView.h"
 #include "Views/SampleCatalogNotice.h"
 #include "Views/TranslationLoader.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMainWindow>
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTest>
+#include <QTimer>
+#include <QToolButton>
 
 using namespace Qt::StringLiterals;
 using Kind = CatalogDatabaseService::State::Kind;
@@ -75,7 +79,9 @@ private Q_SLOTS:
         service.startBuild();
         QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::failed, 60'000);
         QCOMPARE(window.statusBar()->currentMessage(),
-                 u"The catalog could not be updated: Failed to download themes.csv.gz: HTTP 404"_s);
+                 u"The catalog could not be updated: Tessaloom could not download from the catalog server (the server "
+                 "answered with error 404). Try again later."_s);
+        QCOMPARE(window.statusBar()->toolTip(), u"Failed to download themes.csv.gz: HTTP 404"_s);
         m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR), TestEnvironment::temporaryRoot() + u"/dumps"_s);
     }
 
@@ -165,6 +171,48 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::completed, 120'000);
         QVERIFY(!notice.isVisible());
         QCOMPARE(RebrickableCatalog::shared()->path(), service.liveDatabasePath());
+        QFile::remove(bundled);
+    }
+
+    void sampleNoticeKeepsADownloadFailureInViewUntilTheNextAttempt()
+    {
+        const QString bundled = RebrickableCatalog::bundledDatabasePath();
+        QDir().mkpath(QFileInfo(bundled).path());
+        QFile::remove(bundled);
+        QVERIFY(QFile::copy(QStringLiteral(TESSALOOM_SAMPLE_CATALOG), bundled));
+        RebrickableCatalog::replaceShared(RebrickableCatalog::openFile(bundled));
+        LoopbackHttpServer::Response missing;
+        missing.status = 404;
+        m_dumps.setResponse(u"sets"_s, missing);
+
+        CatalogDatabaseService service(applicationDirectory(), m_dumps.baseUrl());
+        SampleCatalogNotice notice(service);
+        notice.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&notice));
+        QVERIFY(!notice.failureMessage()->isVisible());
+        QTest::mouseClick(notice.downloadButton(), Qt::LeftButton);
+        QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::failed, 60'000);
+        FailureMessageView *failure = notice.failureMessage();
+        QVERIFY(failure->isVisible());
+        QCOMPARE(failure->sentence(), u"Tessaloom could not download from the catalog server (the server answered "
+                                      "with error 404). Try again later."_s);
+        QVERIFY(!failure->detailsLabel()->isVisible());
+        QTest::mouseClick(failure->detailsToggle(), Qt::LeftButton);
+        QVERIFY(failure->detailsLabel()->isVisible());
+        QCOMPARE(failure->details(), u"Failed to download sets.csv.gz: HTTP 404"_s);
+
+        // Still there long after a status-bar message would have gone; the message of that
+        // bar lasts fifteen seconds, which a test does not wait: what counts is that nothing
+        // but the next attempt takes it away.
+        bool waited = false;
+        QTimer::singleShot(1000, this, [&waited] { waited = true; });
+        QTRY_VERIFY(waited);
+        QVERIFY(failure->isVisible());
+
+        m_dumps.serveCsvDirectory(QStringLiteral(TESSALOOM_SAMPLE_CATALOG_DIR), TestEnvironment::temporaryRoot() + u"/dumps"_s);
+        QTest::mouseClick(notice.downloadButton(), Qt::LeftButton);
+        QTRY_VERIFY(!failure->isVisible());
+        QTRY_COMPARE_WITH_TIMEOUT(service.state().kind, Kind::completed, 120'000);
         QFile::remove(bundled);
     }
 };

@@ -83,8 +83,11 @@ private Q_SLOTS:
             logged = log.messages();
         }
         QCOMPARE(result.outcome, Outcome::failed);
-        QCOMPARE(result.errorText,
-                 u"The update information could not be fetched. Check your internet connection and try again later."_s);
+        QCOMPARE(result.errorText, u"Tessaloom could not download from the update server (the server answered with "
+                                   "error 404). Try again later."_s);
+        QVERIFY(!result.errorDetails.isEmpty());
+        QVERIFY2(!result.errorDetails.contains(u"SECRET123"_s) && !result.errorDetails.contains(u"PASSWORD42"_s),
+                 qPrintable(result.errorDetails));
         QVERIFY(!logged.isEmpty());
         for (const QString &line : std::as_const(logged)) {
             QVERIFY2(!line.contains(u"SECRET123"_s) && !line.contains(u"PASSWORD42"_s), qPrintable(line));

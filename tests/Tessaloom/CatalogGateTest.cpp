@@ -6,18 +6,27 @@
 #include "TestEnvironment.h"
 #include "Views/CatalogSetupView.h"
 #include "Views/MainWindow.h"
+#include "Views/QuitCommand.h"
 #include "Views/SampleCatalogNotice.h"
 #include "Views/TessaloomApp.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
 #include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThreadPool>
+#include <QTimer>
+
+#include <functional>
 
 #include <sqlite3.h>
 
@@ -69,6 +78,41 @@ private Q_SLOTS:
         QVERIFY(app->showCatalogSetup());
         QCOMPARE(app->catalogSetupView()->currentPart(), u"download"_s);
         QVERIFY(app->catalogSetupView()->isModal());
+    }
+
+    // The application's event loop with `action` as its first event; 42 when it did not end.
+    static int runApplication(const std::function<void()> &action)
+    {
+        QTimer::singleShot(0, qApp, action);
+        QTimer giveUp;
+        giveUp.setSingleShot(true);
+        connect(&giveUp, &QTimer::timeout, qApp, [] { QCoreApplication::exit(42); });
+        giveUp.start(20'000);
+        return QApplication::exec();
+    }
+
+    void closingTheMainWindowWhileTheSheetIsUpQuitsTheApplication()
+    {
+        RebrickableCatalog::replaceShared(nullptr);
+        const auto app = startApp();
+        QVERIFY(app);
+        QTRY_VERIFY(app->catalogSetupView() && app->catalogSetupView()->isVisible());
+        QPointer<CatalogSetupView> sheet = app->catalogSetupView();
+        QCOMPARE(runApplication([&app] { app->mainWindow()->close(); }), 0);
+        QVERIFY(!app->mainWindow()->isVisible());
+        QVERIFY(!sheet || !sheet->isVisible());
+    }
+
+    void fileQuitWhileTheSheetIsUpQuitsTheApplication()
+    {
+        RebrickableCatalog::replaceShared(nullptr);
+        const auto app = startApp();
+        QVERIFY(app);
+        QTRY_VERIFY(app->catalogSetupView() && app->catalogSetupView()->isVisible());
+        QAction *quit = app->mainWindow()->quitCommand()->action();
+        QVERIFY(app->mainWindow()->menuBar()->actions().constFirst()->menu()->actions().contains(quit));
+        QCOMPARE(runApplication([quit] { quit->trigger(); }), 0);
+        QVERIFY(!app->mainWindow()->isVisible());
     }
 
     void catalogOfSchemaVersionOneOpensButStillBringsUpTheSheet()

@@ -5,6 +5,7 @@
 #include "Endpoints.h"
 #include "Logging.h"
 #include "Services/AppcastParser.h"
+#include "Services/ErrorExplanation.h"
 
 #include <QCoreApplication>
 #include <QCoroNetworkReply>
@@ -62,15 +63,21 @@ QCoro::Task<AppUpdateService::CheckResult> AppUpdateService::checkForUpdates()
         // the address without its secrets and the user a sentence of our own.
         qCWarning(lcNetwork).noquote() << "Update check failed:" << AddressRedaction::redacted(m_feedUrl)
                                        << AddressRedaction::redactAddressesIn(reply->errorString());
-        //% "The update information could not be fetched. Check your internet connection and try again later."
-        result.errorText = qtTrId("update.error.unreachable");
+        const ErrorExplanation failure = ErrorExplanation::fromNetworkError(
+            reply->error(), reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
+            AddressRedaction::redactAddressesIn(reply->errorString()), ErrorExplanation::Server::updates);
+        result.errorText = failure.sentence();
+        result.errorDetails = failure.details();
         co_return result;
     }
     const auto items = AppcastParser::parse(reply->readAll());
     if (!items) {
         qCWarning(lcNetwork).noquote() << "Update feed unreadable:" << AddressRedaction::redacted(m_feedUrl);
-        //% "The update feed could not be read."
-        result.errorText = qtTrId("update.error.unreadableFeed");
+        const ErrorExplanation failure = ErrorExplanation::badData(
+            //% "The update feed is not a readable appcast."
+            qtTrId("update.error.unreadableFeed"), ErrorExplanation::Server::updates);
+        result.errorText = failure.sentence();
+        result.errorDetails = failure.details();
         co_return result;
     }
     const auto newest = AppcastParser::newest(*items);

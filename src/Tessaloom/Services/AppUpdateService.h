@@ -23,7 +23,8 @@ public:
         enum class Outcome { upToDate, updateAvailable, failed };
         Outcome outcome = Outcome::failed;
         AppcastItem newest;   // with updateAvailable
-        QString errorText;    // with failed
+        QString errorText;    // with failed: what happened and what to do
+        QString errorDetails; // with failed: the technical text, without secrets
     };
 
     static AppUpdateService &shared();

@@ -55,18 +55,29 @@ QString readableError(const std::exception &error)
 class BuildFailure : public std::exception
 {
 public:
-    explicit BuildFailure(QString text)
+    explicit BuildFailure(QString text, ErrorExplanation::Kind kind = ErrorExplanation::Kind::other)
         : m_text(std::move(text))
+        , m_kind(kind)
         , m_what(m_text.toUtf8())
     {
     }
     QString text() const { return m_text; }
+    ErrorExplanation::Kind kind() const { return m_kind; }
     const char *what() const noexcept override { return m_what.constData(); }
 
 private:
     QString m_text;
+    ErrorExplanation::Kind m_kind;
     QByteArray m_what;
 };
+
+// Our own build failures already say what happened and what to do.
+ErrorExplanation explanationOf(const std::exception &error, const QString &text)
+{
+    if (const auto *failure = dynamic_cast<const BuildFailure *>(&error))
+        return ErrorExplanation(failure->kind(), failure->text(), QString());
+    return ErrorExplanation::fromException(error, text, ErrorExplanation::Server::catalog);
+}
 
 void throwIfStopped(const std::stop_token &stopToken)
 {
@@ -222,6 +233,7 @@ QCoro::Task<> CatalogDatabaseService::build(std::stop_token stopToken)
         const QString text = readableError(error);
         qCCritical(lcCatalogDB, "Catalog build failed: %s", qUtf8Printable(text));
         removeLeftovers();
+        m_lastFailure = explanationOf(error, text);
         setState(State::failed(text));
     }
 }
@@ -230,7 +242,8 @@ QCoro::Task<> CatalogDatabaseService::runBuildSteps(std::stop_token stopToken)
 {
     QPointer<CatalogDatabaseService> self(this);
     if (!QDir().mkpath(m_applicationDirectory))
-        throw BuildFailure(u"The folder %1 could not be created."_s.arg(m_applicationDirectory));
+        throw BuildFailure(u"The folder %1 could not be created."_s.arg(m_applicationDirectory),
+                           ErrorExplanation::Kind::notWritable);
 
     qCInfo(lcCatalogDB, "Starting CSV download to %s", qUtf8Printable(csvDirectory()));
     RebrickableDownloader downloader(csvDirectory(), m_downloadBaseUrl);
@@ -277,10 +290,10 @@ QCoro::Task<> CatalogDatabaseService::runBuildSteps(std::stop_token stopToken)
     const std::shared_ptr<RebrickableCatalog> catalog = RebrickableCatalog::open();
     RebrickableCatalog::replaceShared(catalog);
     if (!catalog)
-        throw BuildFailure(description(BuildError::databaseNotLoadable));
+        throw BuildFailure(description(BuildError::databaseNotLoadable), ErrorExplanation::Kind::badData);
     const int sets = catalog->setCount();
     if (sets == 0)
-        throw BuildFailure(description(BuildError::emptyDatabase));
+        throw BuildFailure(description(BuildError::emptyDatabase), ErrorExplanation::Kind::badData);
     qCInfo(lcCatalogDB, "Catalog validated: %d sets loaded", sets);
 
     removeDirectoryInBackground(csvDirectory());
@@ -358,7 +371,8 @@ void CatalogDatabaseService::swapInBuiltFile()
     std::filesystem::rename(QFile::encodeName(buildingDatabasePath()).toStdString(),
                             QFile::encodeName(liveDatabasePath()).toStdString(), error);
     if (error)
-        throw BuildFailure(u"The new catalog could not be put in place: "_s + QString::fromStdString(error.message()));
+        throw BuildFailure(u"The new catalog could not be put in place: "_s + QString::fromStdString(error.message()),
+                           ErrorExplanation::Kind::notWritable);
 }
 
 // A hard link keeps the catalog in service under the previous name at no cost in space or
@@ -379,14 +393,16 @@ void CatalogDatabaseService::keepLiveAsPrevious()
     if (error && !QFile::copy(live, staging)) {
         QFile::remove(staging);
         throw BuildFailure(u"The catalog in service could not be kept as the previous one, so the new catalog "
-                           "was not put in place. Check the free disk space and try again."_s);
+                           "was not put in place. Check the free disk space and try again."_s,
+                           ErrorExplanation::Kind::diskFull);
     }
     std::filesystem::rename(QFile::encodeName(staging).toStdString(),
                             QFile::encodeName(previousDatabasePath()).toStdString(), error);
     if (error) {
         QFile::remove(staging);
         throw BuildFailure(u"The catalog in service could not be kept as the previous one: "_s
-                           + QString::fromStdString(error.message()));
+                               + QString::fromStdString(error.message()),
+                           ErrorExplanation::Kind::notWritable);
     }
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Services/ErrorExplanation.h"
+
 #include <QCoroTask>
 #include <QDateTime>
 #include <QObject>
@@ -51,6 +53,9 @@ public:
     ~CatalogDatabaseService() override;
 
     State state() const { return m_state; }
+    // The last failed build as the user is told of it: a sentence of what happened and what
+    // to do, the state's error text as its details. Empty until a build has failed.
+    ErrorExplanation lastFailure() const { return m_lastFailure; }
 
     // Whether the published dumps differ from those of the built catalog. Never fails: a
     // failed check logs and answers false.
@@ -109,6 +114,7 @@ private:
     QString m_applicationDirectory;
     QUrl m_downloadBaseUrl;
     State m_state;
+    ErrorExplanation m_lastFailure;
     std::optional<std::stop_source> m_stopSource;
     std::optional<QCoro::Task<>> m_currentTask;
 };

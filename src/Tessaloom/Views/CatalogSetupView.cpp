@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Views/CatalogSetupView.h"
 
+#include "Views/FailureMessageView.h"
+#include "Views/QuitCommand.h"
 #include "Views/SymbolIcon.h"
 
 #include <QApplication>
@@ -9,9 +11,9 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QShortcut>
 #include <QStackedWidget>
 #include <QTimer>
+#include <QHBoxLayout>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -43,8 +45,10 @@ CatalogSetupView::CatalogSetupView(CatalogDatabaseService &service, QWidget *par
     setFixedWidth(sheetWidth);
     //% "LEGO Catalog"
     setWindowTitle(qtTrId("catalogSetup.windowTitle"));
-    // No close button: the sheet ends with a catalog or with the program.
-    setWindowFlags((windowFlags() | Qt::CustomizeWindowHint) & ~Qt::WindowCloseButtonHint);
+    // The close button quits the program, like Ctrl+Q: the sheet ends with a catalog or
+    // with the program. Neither needs the menu bar, which the sheet blocks.
+    m_quitCommand = new QuitCommand(m_service, this);
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(sheetPadding, sheetPadding, sheetPadding, sheetPadding);
@@ -66,46 +70,48 @@ CatalogSetupView::CatalogSetupView(CatalogDatabaseService &service, QWidget *par
 
     m_downloadPart = makeIdlePart(
         //% "Tessaloom keeps a copy of the Rebrickable catalog on this computer: every set, part, colour and theme. It is downloaded once (about 20 MB) and built here in under a minute."
-        qtTrId("catalogSetup.download.description"),
-        //% "Download Catalog"
-        qtTrId("catalogSetup.download.button"), &m_downloadButton);
+        qtTrId("catalogSetup.download.description"));
     m_rebuildPart = makeIdlePart(
         //% "Download the newest Rebrickable data and rebuild the catalog on this computer."
-        qtTrId("catalogSetup.rebuild.description"),
-        //% "Rebuild Catalog"
-        qtTrId("catalogSetup.rebuild.button"), &m_rebuildButton);
+        qtTrId("catalogSetup.rebuild.description"));
     m_workingPart = makeWorkingPart();
     //% "The catalog is ready."
-    m_completedPart = makeOutcomePart(u"checkmark.circle.fill"_s, qtTrId("catalogSetup.completed"), nullptr);
-    m_failedPart = makeOutcomePart(u"exclamationmark.triangle.fill"_s, QString(), &m_failureLabel);
-    //% "Try Again"
-    m_retryButton = new QPushButton(qtTrId("catalogSetup.retry"), m_failedPart);
-    m_retryButton->setDefault(true);
-    m_failedPart->layout()->addWidget(m_retryButton);
-    m_failedPart->layout()->setAlignment(m_retryButton, Qt::AlignHCenter);
+    m_completedPart = makeOutcomePart(u"checkmark.circle.fill"_s, qtTrId("catalogSetup.completed"));
+    m_failedPart = makeOutcomePart(u"exclamationmark.triangle.fill"_s, QString());
+    m_failureMessage = new FailureMessageView(m_failedPart);
+    m_failedPart->layout()->addWidget(m_failureMessage);
 
-    for (QPushButton *start : {m_downloadButton, m_rebuildButton, m_retryButton})
-        connect(start, &QPushButton::clicked, &m_service, &CatalogDatabaseService::startBuild);
+    // One row whose buttons never trade places: Cancel at the left, the build's button at
+    // the right. A hidden Cancel keeps its room, so the row never reflows.
+    auto *buttons = new QHBoxLayout;
+    //% "Cancel"
+    m_cancelButton = new QPushButton(qtTrId("catalogSetup.cancel"), this);
+    m_cancelButton->setObjectName(u"catalogSetupCancel"_s);
+    m_cancelButton->setAutoDefault(false);
+    QSizePolicy keepRoom = m_cancelButton->sizePolicy();
+    keepRoom.setRetainSizeWhenHidden(true);
+    m_cancelButton->setSizePolicy(keepRoom);
+    m_primaryButton = new QPushButton(this);
+    m_primaryButton->setObjectName(u"catalogSetupPrimary"_s);
+    m_primaryButton->setDefault(true);
+    buttons->addWidget(m_cancelButton);
+    buttons->addStretch(1);
+    buttons->addWidget(m_primaryButton);
+    layout->addLayout(buttons);
+
+    connect(m_primaryButton, &QPushButton::clicked, &m_service, &CatalogDatabaseService::startBuild);
     connect(m_cancelButton, &QPushButton::clicked, &m_service, &CatalogDatabaseService::cancelCurrentTask);
     connect(&m_service, &CatalogDatabaseService::stateChanged, this, &CatalogSetupView::showState);
-
-    // Quitting stays possible while the sheet blocks the window.
-    auto *quit = new QShortcut(QKeySequence::Quit, this);
-    connect(quit, &QShortcut::activated, qApp, &QApplication::quit, Qt::QueuedConnection);
 
     showState(m_service.state());
 }
 
-QWidget *CatalogSetupView::makeIdlePart(const QString &description, const QString &buttonText, QPushButton **button)
+QWidget *CatalogSetupView::makeIdlePart(const QString &description)
 {
     auto *part = new QWidget(m_parts);
     auto *layout = new QVBoxLayout(part);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(partSpacing);
     layout->addWidget(wrappedLabel(description, part));
-    *button = new QPushButton(buttonText, part);
-    (*button)->setDefault(true);
-    layout->addWidget(*button, 0, Qt::AlignHCenter);
     m_parts->addWidget(part);
     return part;
 }
@@ -122,14 +128,11 @@ QWidget *CatalogSetupView::makeWorkingPart()
     m_progressBar->setTextVisible(false);
     layout->addWidget(m_progressBar);
     layout->addWidget(m_statusLabel);
-    //% "Cancel"
-    m_cancelButton = new QPushButton(qtTrId("catalogSetup.cancel"), part);
-    layout->addWidget(m_cancelButton, 0, Qt::AlignHCenter);
     m_parts->addWidget(part);
     return part;
 }
 
-QWidget *CatalogSetupView::makeOutcomePart(const QString &symbolName, const QString &text, QLabel **label)
+QWidget *CatalogSetupView::makeOutcomePart(const QString &symbolName, const QString &text)
 {
     auto *part = new QWidget(m_parts);
     auto *layout = new QVBoxLayout(part);
@@ -139,24 +142,39 @@ QWidget *CatalogSetupView::makeOutcomePart(const QString &symbolName, const QStr
     symbol->setPixmap(SymbolIcon::icon(symbolName).pixmap(32, 32));
     symbol->setAlignment(Qt::AlignCenter);
     layout->addWidget(symbol);
-    auto *textLabel = wrappedLabel(text, part);
-    if (label) {
-        textLabel->setForegroundRole(QPalette::PlaceholderText);
-        *label = textLabel;
-    }
-    layout->addWidget(textLabel);
+    if (!text.isEmpty())
+        layout->addWidget(wrappedLabel(text, part));
     m_parts->addWidget(part);
     return part;
+}
+
+QString CatalogSetupView::startText() const
+{
+    if (QFileInfo::exists(m_service.liveDatabasePath())) {
+        //% "Rebuild Catalog"
+        return qtTrId("catalogSetup.rebuild.button");
+    }
+    //% "Download Catalog"
+    return qtTrId("catalogSetup.download.button");
 }
 
 void CatalogSetupView::showState(const CatalogDatabaseService::State &state)
 {
     using Kind = CatalogDatabaseService::State::Kind;
+    m_cancelButton->setVisible(state.kind == Kind::working);
+    m_primaryButton->setEnabled(state.kind == Kind::idle || state.kind == Kind::failed);
     switch (state.kind) {
-    case Kind::idle:
-        m_parts->setCurrentWidget(QFileInfo::exists(m_service.liveDatabasePath()) ? m_rebuildPart : m_downloadPart);
+    case Kind::idle: {
+        const bool hasCatalogFile = QFileInfo::exists(m_service.liveDatabasePath());
+        m_parts->setCurrentWidget(hasCatalogFile ? m_rebuildPart : m_downloadPart);
+        m_primaryButton->setText(startText());
         break;
+    }
     case Kind::working:
+        if (m_primaryButton->text().isEmpty())
+            m_primaryButton->setText(startText()); // a sheet opened while a build runs
+        // The build's button keeps its text and place, disabled: what was under the pointer
+        // a moment ago does not turn into something else.
         m_statusLabel->setText(state.status);
         m_progressBar->setValue(int(state.progress * progressSteps));
         m_parts->setCurrentWidget(m_workingPart);
@@ -168,10 +186,16 @@ void CatalogSetupView::showState(const CatalogDatabaseService::State &state)
             accept();
         });
         break;
-    case Kind::failed:
-        m_failureLabel->setText(state.errorText);
+    case Kind::failed: {
+        ErrorExplanation failure = m_service.lastFailure();
+        if (failure.isEmpty())
+            failure = ErrorExplanation(ErrorExplanation::Kind::other, state.errorText, QString());
+        m_failureMessage->setFailure(failure);
         m_parts->setCurrentWidget(m_failedPart);
+        //% "Try Again"
+        m_primaryButton->setText(qtTrId("catalogSetup.retry"));
         break;
+    }
     }
 }
 
@@ -189,20 +213,6 @@ QString CatalogSetupView::currentPart() const
     return u"failed"_s;
 }
 
-QPushButton *CatalogSetupView::primaryButton() const
-{
-    const QWidget *part = m_parts->currentWidget();
-    if (part == m_downloadPart)
-        return m_downloadButton;
-    if (part == m_rebuildPart)
-        return m_rebuildButton;
-    if (part == m_workingPart)
-        return m_cancelButton;
-    if (part == m_failedPart)
-        return m_retryButton;
-    return nullptr;
-}
-
 QString CatalogSetupView::statusText() const
 {
     return m_statusLabel->text();
@@ -210,17 +220,26 @@ QString CatalogSetupView::statusText() const
 
 QString CatalogSetupView::failureText() const
 {
-    return m_failureLabel->text();
+    return m_failureMessage->sentence();
+}
+
+QString CatalogSetupView::failureDetails() const
+{
+    return m_failureMessage->details();
 }
 
 void CatalogSetupView::reject()
 {
 }
 
+// Closing the sheet is quitting the program; a quit agreed to elsewhere closes it as well.
 void CatalogSetupView::closeEvent(QCloseEvent *event)
 {
-    if (m_closing)
+    if (m_closing || QuitCommand::isQuitting()) {
         event->accept();
-    else
-        event->ignore();
+        return;
+    }
+    event->ignore();
+    // After this event: the confirmation must not run inside the window system's close.
+    QTimer::singleShot(0, m_quitCommand, &QuitCommand::quit);
 }

@@ -53,6 +53,7 @@ void CatalogStatusIndicator::showState(const CatalogDatabaseService::State &stat
     m_restoreButton->hide();
     switch (state.kind) {
     case Kind::working:
+        m_statusBar->setToolTip(QString());
         //% "Catalog: %1"
         m_label->setText(qtTrId("catalogStatus.working").arg(state.status));
         m_progressBar->setValue(int(state.progress * 100));
@@ -65,8 +66,11 @@ void CatalogStatusIndicator::showState(const CatalogDatabaseService::State &stat
         break;
     }
     case Kind::failed: {
+        const ErrorExplanation failure = m_service.lastFailure();
         //% "The catalog could not be updated: %1"
-        const QString message = qtTrId("catalogStatus.failed").arg(state.errorText);
+        const QString message = qtTrId("catalogStatus.failed").arg(failure.isEmpty() ? state.errorText : failure.sentence());
+        // The status bar has no room for a disclosure: the technical text is its tool tip.
+        m_statusBar->setToolTip(failure.details());
         if (m_service.shouldOfferPreviousCatalog())
             offerPreviousCatalog(message);
         else

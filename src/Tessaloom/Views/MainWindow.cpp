@@ -9,6 +9,7 @@
 #include "Views/ContentView.h"
 #include "Views/PartsChecklistWindowGroup.h"
 #include "Views/PriceRefreshStatusView.h"
+#include "Views/QuitCommand.h"
 #include "Views/SetListView.h"
 #include "Views/SampleCatalogNotice.h"
 #include "Views/SettingsView.h"
@@ -46,6 +47,7 @@ MainWindow::MainWindow(PersistentContainer &container, CatalogDatabaseService &c
     , m_contentView(new ContentView(container, catalogService))
     , m_sampleCatalogNotice(new SampleCatalogNotice(catalogService))
     , m_catalogStatusIndicator(new CatalogStatusIndicator(catalogService, statusBar()))
+    , m_quitCommand(new QuitCommand(catalogService, this))
     , m_undoNotice(new UndoStatusNotice(m_contentView->undoStack(), statusBar()))
     , m_fileCommands(new CollectionFileCommands(container, this))
     , m_partsChecklistWindows(new PartsChecklistWindowGroup(container.viewContext(), this, this))
@@ -104,10 +106,7 @@ void MainWindow::buildMenus()
         else
             statusBar()->showMessage(text);
     });
-    //% "&Quit"
-    QAction *quit = fileMenu->addAction(qtTrId("menu.quit"), qApp, &QApplication::closeAllWindows);
-    quit->setShortcut(QKeySequence::Quit);
-    quit->setMenuRole(QAction::QuitRole);
+    fileMenu->addAction(m_quitCommand->action());
 
     buildEditMenu();
 
@@ -231,10 +230,15 @@ QCoro::Task<> MainWindow::checkForUpdates()
             QDesktopServices::openUrl(result.newest.pageUrl);
         break;
     }
-    case AppUpdateService::CheckResult::Outcome::failed:
+    case AppUpdateService::CheckResult::Outcome::failed: {
+        // The sentence says what happened and what to do; the technical text is one click away.
         //% "Update Check Failed"
-        QMessageBox::warning(this, qtTrId("update.failed.title"), result.errorText);
+        QMessageBox box(QMessageBox::Warning, qtTrId("update.failed.title"), result.errorText, QMessageBox::Ok, this);
+        box.setObjectName(u"updateCheckFailure"_s);
+        box.setDetailedText(result.errorDetails);
+        box.exec();
         break;
+    }
     }
 }
 
@@ -269,8 +273,16 @@ void MainWindow::showEvent(QShowEvent *event)
     QTimer::singleShot(0, this, &MainWindow::contentAppeared);
 }
 
+// Closing the main window ends the program, with the set-up sheet or any other window still
+// open; while a catalog build runs, only once the user agrees to stop it.
 void MainWindow::closeEvent(QCloseEvent *event)
 {
+    if (!m_quitCommand->confirm()) {
+        event->ignore();
+        return;
+    }
     saveWindowState();
     event->accept();
+    if (!QuitCommand::isQuitting())
+        QTimer::singleShot(0, m_quitCommand, &QuitCommand::stopBuildAndQuit);
 }

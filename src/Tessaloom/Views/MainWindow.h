@@ -18,6 +18,7 @@ class PriceRefreshProgress;
 class PriceRefreshStatusView;
 class PersistentContainer;
 class QAction;
+class QuitCommand;
 class SampleCatalogNotice;
 class SettingsView;
 class UndoStatusNotice;
@@ -36,6 +37,9 @@ public:
     SampleCatalogNotice *sampleCatalogNotice() const { return m_sampleCatalogNotice; }
     CatalogStatusIndicator *catalogStatusIndicator() const { return m_catalogStatusIndicator; }
     QAction *checkForUpdatesAction() const { return m_checkForUpdatesAction; }
+    // File → Quit (Ctrl+Q); closing the window quits as well, after confirming while a
+    // catalog build runs.
+    QuitCommand *quitCommand() const { return m_quitCommand; }
     // Edit → Undo and Redo of the collection's changes (Ctrl+Z, Ctrl+Shift+Z).
     QAction *undoAction() const { return m_undoAction; }
     QAction *redoAction() const { return m_redoAction; }
@@ -78,6 +82,7 @@ private:
     SampleCatalogNotice *m_sampleCatalogNotice;
     CatalogStatusIndicator *m_catalogStatusIndicator;
     QAction *m_checkForUpdatesAction = nullptr;
+    QuitCommand *m_quitCommand;
     QAction *m_undoAction = nullptr;
     QAction *m_redoAction = nullptr;
     QAction *m_preferencesAction = nullptr;

@@ -12,6 +12,7 @@
 #include "Services/RebrickableCatalog.h"
 #include "Store/PersistenceController.h"
 #include "Views/CatalogSetupView.h"
+#include "Views/LoggingDefaults.h"
 #include "Views/MainWindow.h"
 #include "Views/SampleCatalogNotice.h"
 
@@ -29,6 +30,8 @@ const QString preferredCurrencyKey = u"preferredCurrency"_s;
 // be created in whatever order the compiler chose.
 TessaloomApp::SharedObjects TessaloomApp::obtainSharedObjects()
 {
+    // Before anything logs: debug lines stay off unless the environment asks for them.
+    LoggingDefaults::apply();
     PersistenceController &persistenceController = PersistenceController::shared(); // a failure ends here
     NetworkMonitor::shared();
     AppUpdateService &updateService = AppUpdateService::shared();

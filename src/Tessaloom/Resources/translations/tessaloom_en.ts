@@ -4,7 +4,8 @@
 <context>
     <name></name>
     <message id="update.error.unreadableFeed">
-        <source>The update feed could not be read.</source>
+        <source>The update feed is not a readable appcast.</source>
+        <oldsource>The update feed could not be read.</oldsource>
         <translation type="unfinished"></translation>
     </message>
     <message id="detail.placeholder.title">
@@ -420,10 +421,6 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="storeFailure.advice.other">
         <source>Make sure the disk has free space and can be written to, then start Tessaloom again. If this message comes back, move the file to another folder or restore it from a backup.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message id="update.error.unreachable">
-        <source>The update information could not be fetched. Check your internet connection and try again later.</source>
         <translation type="unfinished"></translation>
     </message>
     <message id="catalogBuild.status.checking">
@@ -1677,6 +1674,78 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
     </message>
     <message id="settings.cache.backups">
         <source>Backups of the Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.server.catalog">
+        <source>the catalog server</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.server.updates">
+        <source>the update server</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.network.hostNotFound">
+        <source>Tessaloom could not find %1 (host not found). Check your internet connection and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.network.connectionRefused">
+        <source>Tessaloom could not reach %1 (connection refused). Check your connection and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.network.timedOut">
+        <source>Tessaloom could not reach %1 (no answer in time). Check your connection and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.network.secureConnectionFailed">
+        <source>Tessaloom could not open a secure connection to %1 (TLS handshake failed). Check the computer&apos;s date and time and any proxy settings, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.network.httpStatus">
+        <source>Tessaloom could not download from %1 (the server answered with error %2). Try again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.network.connectionFailed">
+        <source>Tessaloom lost the connection to %1 (connection failed). Check your connection and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.disk.notWritable">
+        <source>Tessaloom could not write its files (the folder %1 cannot be written). Check that the folder exists and that you may write to it, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.disk.full">
+        <source>Tessaloom could not save the catalog (the disk is full). Free some disk space and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.data.unreadable">
+        <source>Tessaloom received data from %1 that it could not read (damaged or unexpected data). Try again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.disk.databaseNotWritable">
+        <source>Tessaloom could not write the catalog database (the file or its folder cannot be written). Check that you may write to the application&apos;s data folder, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.other">
+        <source>Tessaloom could not finish setting up the catalog (an unexpected error). Try again; if it fails again, the details say what went wrong.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="error.details">
+        <source>Details</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="quit.buildRunning.message">
+        <source>A catalog build is running. Quit and stop it?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="quit.buildRunning.informative">
+        <source>The catalog stays as it was before the build; you can build it again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="quit.buildRunning.quit">
+        <source>Quit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="quit.buildRunning.keep">
+        <source>Keep Building</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
