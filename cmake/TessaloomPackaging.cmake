@@ -22,11 +22,11 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Collection manager for LEGO set collectors
- Tessaloom keeps a collection of owned LEGO sets, a wishlist and parts checklists,
- beside a local catalog of every set, part, colour and theme built from the public
- Rebrickable data, and market prices from price services. A small sample catalog
- comes with the program.")
+# The package's long description; its first line is the project's description above.
+set(CPACK_PACKAGE_DESCRIPTION "Tessaloom keeps a collection of owned LEGO sets, a wishlist and parts
+checklists, beside a local catalog of every set, part, colour and theme built
+from the public Rebrickable data, and market prices from price services. A
+small sample catalog comes with the program.")
 # The price services' keys live in the desktop's secret service, which every desktop brings;
 # a bare window manager does without it, and the program then cannot keep them.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "gnome-keyring | kwalletmanager")
