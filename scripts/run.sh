@@ -12,4 +12,4 @@ if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     echo "Tessaloom is built, but this session has no graphical display (DISPLAY and WAYLAND_DISPLAY are unset), so its window cannot open here: run this command from a desktop session." >&2
     exit 1
 fi
-exec "$build_dir/bin/Tessaloom" "$@"
+exec "$build_dir/bin/tessaloom" "$@"

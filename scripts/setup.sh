@@ -11,11 +11,12 @@ build_dir=${TESSALOOM_BUILD_DIR:-$root/build}
 packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-base-dev-tools libgl-dev qt6-charts-dev
-    qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-httpserver-dev
+    qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-httpserver-dev qt6-svg-dev
     qcoro-qt6-dev qtkeychain-qt6-dev
     libsqlite3-dev sqlite3 zlib1g-dev
     xvfb xauth xdotool imagemagick x11-utils
     dbus dbus-x11 gnome-keyring
+    desktop-file-utils appstream
 )
 
 missing=()
