@@ -12,7 +12,7 @@
 
 namespace {
 // Enough rows to find the usual widths without reading a list of 26,000 rows per fill.
-constexpr int measuredRows = 200;
+constexpr int measuredRows = 100;
 // A column never gets narrower than this when it gives way to the name.
 constexpr int narrowestColumn = 36;
 // What a cell adds around its text: the style's margins on both sides.
@@ -118,8 +118,10 @@ void SetListTable::fitColumns()
     }
     m_applyingWidths = true;
     for (int column = 0; column < m_contentWidths.size(); ++column) {
-        if (m_contentWidths[column] > 0)
-            header->resizeSection(column, std::min(m_contentWidths[column], cap));
+        // An unchanged width is left alone: each resize lays the header out again.
+        const int width = std::min(m_contentWidths[column], cap);
+        if (m_contentWidths[column] > 0 && header->sectionSize(column) != width)
+            header->resizeSection(column, width);
     }
     m_applyingWidths = false;
 }
