@@ -239,7 +239,7 @@ private Q_SLOTS:
         QCOMPARE(rows->index(1, SetListGroupModel::SetNumberColumn).data().toString(), u"75192-1"_s);
         QCOMPARE(rows->index(1, SetListGroupModel::ThemeColumn).data().toString(), u"Star Wars"_s);
         QCOMPARE(rows->index(1, SetListGroupModel::YearColumn).data().toInt(), 2017);
-        QCOMPARE(rows->index(1, SetListGroupModel::PiecesColumn).data().toInt(), 7541);
+        QCOMPARE(rows->index(1, SetListGroupModel::PiecesColumn).data().toString(), QLocale().toString(7541));
 
         auto *name = qobject_cast<SymbolMarkCell *>(table->itemDelegateForColumn(SetListGroupModel::NameColumn));
         QVERIFY(name);

@@ -456,7 +456,7 @@ CatalogDatabaseService::RestoreOutcome CatalogDatabaseService::restorePreviousCa
     setState(State::idle());
     Q_EMIT catalogDatabaseDidUpdate();
     //% "The previous catalog is back in service: %1 sets."
-    return {true, qtTrId("catalogRestore.done").arg(sets)};
+    return {true, qtTrId("catalogRestore.done").arg(QLocale().toString(sets))};
 }
 
 void CatalogDatabaseService::removeLeftovers()

@@ -271,8 +271,8 @@ QList<int> RebrickableCatalog::themeWithDescendants(int themeID) const
     return themes;
 }
 
-QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, const std::optional<QList<int>> &themeIDs,
-                                                         int limit) const
+RebrickableCatalog::SetSearchStatement RebrickableCatalog::setSearchStatement(const QString &query,
+                                                                            const std::optional<QList<int>> &themeIDs) const
 {
     const QString trimmed = query.trimmed();
     QVariantList themeParameters;
@@ -299,18 +299,14 @@ QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, c
                 sql += u"\nAND s.theme_id IN ("_s + themeList + u")"_s;
             if (!match.years.isEmpty())
                 sql += u" AND s.year IN ("_s + yearList + u")"_s;
-            sql += u"\nORDER BY rank\nLIMIT ?"_s;
-            const QVariantList parameters =
-                QVariantList{*match.matchText} + themeParameters + yearParameters + QVariantList{limit};
-            return collect<CatalogSetResult>(m_searches.db, m_searches.lock, sql, parameters, readSet);
+            return {sql, u"\nORDER BY rank\nLIMIT ?"_s, QVariantList{*match.matchText} + themeParameters + yearParameters};
         }
         if (!match.years.isEmpty()) {
             QString sql = selectSetColumns + u" WHERE "_s;
             if (themeIDs)
                 sql += u"theme_id IN ("_s + themeList + u") AND "_s;
-            sql += u"year IN ("_s + yearList + u") ORDER BY year DESC, name ASC LIMIT ?"_s;
-            return collect<CatalogSetResult>(m_searches.db, m_searches.lock, sql, themeParameters + yearParameters + QVariantList{limit},
-                                             readSet);
+            sql += u"year IN ("_s + yearList + u")"_s;
+            return {sql, u" ORDER BY year DESC, name ASC LIMIT ?"_s, themeParameters + yearParameters};
         }
     }
 
@@ -336,9 +332,34 @@ QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, c
     } else if (!conditions.isEmpty()) {
         sql += u" WHERE "_s + conditions.join(u" AND "_s);
     }
-    sql += u" ORDER BY year DESC, name ASC LIMIT ?"_s;
-    return collect<CatalogSetResult>(m_searches.db, m_searches.lock, sql, themeParameters + tokenParameters + QVariantList{limit},
-                                     readSet);
+    return {sql, u" ORDER BY year DESC, name ASC LIMIT ?"_s, themeParameters + tokenParameters};
+}
+
+QList<CatalogSetResult> RebrickableCatalog::runSetSearch(const QString &query, const std::optional<QList<int>> &themeIDs,
+                                                         int limit) const
+{
+    const SetSearchStatement statement = setSearchStatement(query, themeIDs);
+    return collect<CatalogSetResult>(m_searches.db, m_searches.lock, statement.selection + statement.orderAndLimit,
+                                     statement.parameters + QVariantList{limit}, readSet);
+}
+
+int RebrickableCatalog::countSetSearch(const QString &query, const std::optional<QList<int>> &themeIDs) const
+{
+    // The same rows without their order: counting them needs no ranking or sorting.
+    const SetSearchStatement statement = setSearchStatement(query, themeIDs);
+    return first(collect<int>(m_searches.db, m_searches.lock, u"SELECT COUNT(*) FROM ("_s + statement.selection + u")"_s,
+                              statement.parameters, readInt))
+        .value_or(0);
+}
+
+int RebrickableCatalog::searchSetCount(const QString &query) const
+{
+    return countSetSearch(query, std::nullopt);
+}
+
+int RebrickableCatalog::searchSetCount(int themeID, const QString &query) const
+{
+    return countSetSearch(query, themeWithDescendants(themeID));
 }
 
 // ---- Look-ups -----------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 #include <QMutex>
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
 #include <memory>
 #include <optional>
@@ -60,6 +61,10 @@ public:
     // The search the set list runs: like searchSets(query, limit), but a bare set number
     // typed alone brings that set to the front.
     QList<CatalogSetResult> searchSetsPromotingExactHit(const QString &query, int limit) const;
+    // How many sets searchSets() would give without a limit, counted without reading them.
+    // 0 when the query fails.
+    int searchSetCount(const QString &query) const;
+    int searchSetCount(int themeID, const QString &query) const;
 
     std::optional<CatalogSetResult> set(const QString &number) const;
     QList<CatalogInventoryPartResult> inventoryParts(const QString &setNumber) const;
@@ -95,6 +100,16 @@ private:
 
     RebrickableCatalog();
 
+    // A set search in two pieces: the selection with its WHERE clause, and the order with
+    // a "LIMIT ?" whose value follows the parameters. The count wraps the selection alone.
+    struct SetSearchStatement
+    {
+        QString selection;
+        QString orderAndLimit;
+        QVariantList parameters;
+    };
+    SetSearchStatement setSearchStatement(const QString &query, const std::optional<QList<int>> &themeIDs) const;
+    int countSetSearch(const QString &query, const std::optional<QList<int>> &themeIDs) const;
     QList<CatalogSetResult> runSetSearch(const QString &query, const std::optional<QList<int>> &themeIDs,
                                          int limit) const;
 

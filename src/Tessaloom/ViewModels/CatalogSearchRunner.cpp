@@ -38,7 +38,7 @@ void CatalogSearchRunner::start(const CatalogSetSearch::Request &request)
         if (cancelled != m_current || cancelled->load())
             return;
         m_current.reset();
-        Q_EMIT resultsReady(outcome.results);
+        Q_EMIT resultsReady(outcome.results, outcome.totalCount);
     });
     watcher->setFuture(
         QtConcurrent::run([search = m_search, request, cancelled] { return search(request, *cancelled); }));

@@ -34,8 +34,9 @@ public:
 Q_SIGNALS:
     // From every search that lands, current or stale, before resultsReady().
     void themeNamesFound(const CatalogSetSearch::ThemeNames &names);
-    // From the current search only; empty when there is no catalog.
-    void resultsReady(const QList<CatalogSetResult> &results);
+    // From the current search only; empty when there is no catalog. `totalCount` is how
+    // many sets match in all, more than the results when the limit cut them.
+    void resultsReady(const QList<CatalogSetResult> &results, qsizetype totalCount);
 
 private:
     Search m_search;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ViewModels/CatalogSetListModel.h"
 
+#include <QLocale>
+
 using namespace Qt::StringLiterals;
 
 CatalogSetListModel::CatalogSetListModel(QObject *parent)
@@ -99,10 +101,12 @@ QVariant CatalogSetListModel::data(const QModelIndex &index, int role) const
             return result.name;
         case ThemeColumn:
             return m_themeNames.value(result.themeID);
+        // Counts through the user's number format, as the grid and the detail show them;
+        // a year is a name rather than an amount and is never grouped.
         case YearColumn:
-            return result.year;
+            return QString::number(result.year);
         case PiecesColumn:
-            return result.numParts;
+            return QLocale().toString(result.numParts);
         default:
             return {};
         }

@@ -4,6 +4,7 @@
 #include "ViewModels/ThemeFilter.h"
 
 #include <QCollator>
+#include <QLocale>
 
 #include <algorithm>
 
@@ -76,7 +77,8 @@ QVariant FlatThemeTableModel::data(const QModelIndex &index, int role) const
         case ThemeColumn:
             return theme.path;
         case SetsColumn:
-            return QString::number(theme.setCount);
+            // A count, unlike the years: grouped in the user's number format.
+            return QLocale().toString(theme.setCount);
         case MinYearColumn:
             return QString::number(theme.minYear);
         case MaxYearColumn:

@@ -268,10 +268,11 @@ QVariant SetListGroupModel::data(const QModelIndex &index, int role) const
             return nameText(*group.copy);
         case ThemeColumn:
             return catalogSet ? catalogSet->themeName.value_or(QString()) : QString();
+        // A count in the user's number format; a year is never grouped.
         case YearColumn:
-            return catalogSet ? QVariant(int(catalogSet->year)) : QVariant();
+            return catalogSet ? QVariant(QString::number(catalogSet->year)) : QVariant();
         case PiecesColumn:
-            return catalogSet ? QVariant(int(catalogSet->pieceCount)) : QVariant();
+            return catalogSet ? QVariant(QLocale().toString(int(catalogSet->pieceCount))) : QVariant();
         case ConditionColumn:
             return Vocabulary::displayNameOfStored<OverallCondition>(brickSet.overallCondition.value_or(QString()));
         case ValueColumn:

@@ -58,6 +58,7 @@ void SetListViewModel::sidebarSelectionChanged(const QString &itemID)
     const SetListSelection selection = SetListSelection::fromItemID(itemID);
     const SetListSidebarSwitch change = SetListSidebarSwitch::to(selection, m_currentCatalogThemeID);
     m_searchDebounce.cancel();
+    m_catalogLimitLifted = false;
     // The fields change first and the list is fetched or searched once, with all of them.
     const bool searchCleared = !change.keepsSearchText && !std::exchange(m_searchText, QString()).isEmpty();
     const bool themeChanged = std::exchange(m_currentCatalogThemeID, change.catalogThemeID) != change.catalogThemeID;
@@ -82,6 +83,7 @@ void SetListViewModel::setSearchText(const QString &text)
     if (text == m_searchText)
         return;
     m_searchText = text;
+    m_catalogLimitLifted = false;
     Q_EMIT searchTextChanged(m_searchText);
     if (isCatalogList()) {
         m_searchDebounce.textChanged(m_searchText);
@@ -197,15 +199,22 @@ void SetListViewModel::setCurrentCatalogThemeID(std::optional<int> themeID)
     if (themeID == m_currentCatalogThemeID)
         return;
     m_currentCatalogThemeID = themeID;
+    m_catalogLimitLifted = false;
     Q_EMIT currentCatalogThemeIDChanged();
     if (isCatalogList())
         runCatalogSearch();
 }
 
-void SetListViewModel::setCatalogResults(const QList<CatalogSetResult> &results)
+void SetListViewModel::setCatalogResults(const QList<CatalogSetResult> &results, qsizetype totalCount)
 {
-    if (results == m_catalogResults)
+    totalCount = std::max(totalCount, results.size());
+    if (results == m_catalogResults && totalCount == m_catalogTotalCount)
         return;
+    m_catalogTotalCount = totalCount;
+    if (results == m_catalogResults) {
+        Q_EMIT catalogResultsChanged();
+        return;
+    }
     m_catalogResults = results;
     m_catalogModel->setResults(m_catalogResults);
     Q_EMIT catalogResultsChanged();
@@ -216,7 +225,16 @@ void SetListViewModel::setCatalogResults(const QList<CatalogSetResult> &results)
 void SetListViewModel::clearCatalogResults()
 {
     m_catalogSearch.cancel();
-    setCatalogResults({});
+    setCatalogResults({}, 0);
+}
+
+void SetListViewModel::showAllCatalogResults()
+{
+    if (m_catalogLimitLifted)
+        return;
+    m_catalogLimitLifted = true;
+    if (isCatalogList())
+        runCatalogSearch();
 }
 
 void SetListViewModel::runCatalogSearch()
@@ -224,9 +242,9 @@ void SetListViewModel::runCatalogSearch()
     m_searchDebounce.cancel();
     m_catalogSearch.cancel();
     const CatalogSetSearch::Request request{m_searchText, m_currentCatalogThemeID, catalogSortOrder(),
-                                            m_themeNames.knownThemeIDs()};
+                                            m_themeNames.knownThemeIDs(), m_catalogLimitLifted};
     if (m_catalogResults.size() > earlyEmptyingThreshold)
-        setCatalogResults({});
+        setCatalogResults({}, 0);
     m_catalogSearch.start(request);
     Q_EMIT catalogSearchStarted();
 }

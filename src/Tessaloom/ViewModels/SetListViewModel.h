@@ -142,6 +142,14 @@ public:
     // older one, whose results are dropped even if they arrive later.
     void runCatalogSearch();
     bool isCatalogSearchRunning() const { return m_catalogSearch.isRunning(); }
+    // How many sets the current search matches in all; more than catalogResults() holds
+    // when the result limit cut the list.
+    qsizetype catalogTotalCount() const { return m_catalogTotalCount; }
+    bool isCatalogListCut() const { return m_catalogTotalCount > m_catalogResults.size(); }
+    // Lifts the result limit for the current list and searches again. The limit comes back
+    // as soon as the search text, the theme or the sidebar's selection changes.
+    void showAllCatalogResults();
+    bool isCatalogLimitLifted() const { return m_catalogLimitLifted; }
 
 Q_SIGNALS:
     void searchTextChanged(const QString &text);
@@ -173,7 +181,7 @@ private:
     void applyCollectionSort();
     void applyPriceSort();
     void applySearchSelection();
-    void setCatalogResults(const QList<CatalogSetResult> &results);
+    void setCatalogResults(const QList<CatalogSetResult> &results, qsizetype totalCount);
     void mergeThemeNames(const CatalogSetSearch::ThemeNames &names);
 
     QString m_selectionID;
@@ -185,6 +193,8 @@ private:
     CollectionGridViewSetting m_gridView;
     CollectionFetchRequest::Filters m_filters;
     QList<CatalogSetResult> m_catalogResults;
+    qsizetype m_catalogTotalCount = 0;
+    bool m_catalogLimitLifted = false;
     std::optional<int> m_currentCatalogThemeID;
     ThemeNameCache m_themeNames;
 

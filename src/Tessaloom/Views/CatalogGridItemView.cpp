@@ -14,6 +14,7 @@ SetGridCell CatalogGridItemView::cell(const QModelIndex &index, QAbstractItemVie
     cell.picture = picture(index.data(CatalogSetListModel::ImageURLRole).toString(), index, view);
     cell.name = index.data(CatalogSetListModel::NameRole).toString();
     cell.setNumber = index.data(CatalogSetListModel::SetNumberRole).toString();
+    cell.yearText = yearText(index.data(CatalogSetListModel::YearRole).toInt());
     cell.pieceCountText = pieceCountText(index.data(CatalogSetListModel::PieceCountRole).toInt());
     cell.isOwned = index.data(CatalogSetListModel::IsOwnedRole).toBool();
     return cell;

@@ -3,6 +3,7 @@
 
 #include "Services/RebrickableCatalog.h"
 
+#include <QLocale>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -61,7 +62,7 @@ void CatalogStatusIndicator::showState(const CatalogDatabaseService::State &stat
     case Kind::completed: {
         const auto catalog = RebrickableCatalog::shared();
         //% "The catalog is up to date: %1 sets."
-        m_statusBar->showMessage(qtTrId("catalogStatus.completed").arg(catalog ? catalog->setCount() : 0),
+        m_statusBar->showMessage(qtTrId("catalogStatus.completed").arg(QLocale().toString(catalog ? catalog->setCount() : 0)),
                                  outcomeMessageMilliseconds);
         break;
     }

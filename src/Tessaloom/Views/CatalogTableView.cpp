@@ -21,15 +21,8 @@ CatalogTableView::CatalogTableView(SetListViewModel &viewModel, QWidget *parent)
                                                 qtTrId("catalog.owned"), this));
 
     QHeaderView *header = horizontalHeader();
-    header->resizeSection(CatalogSetListModel::SetNumberColumn, 90);
-    header->resizeSection(CatalogSetListModel::NameColumn, 240);
-    header->resizeSection(CatalogSetListModel::ThemeColumn, 140);
-    header->resizeSection(CatalogSetListModel::YearColumn, 60);
-    header->resizeSection(CatalogSetListModel::PiecesColumn, 70);
-    header->setSectionResizeMode(CatalogSetListModel::OwnedColumn, QHeaderView::Fixed);
     header->resizeSection(CatalogSetListModel::OwnedColumn, 32);
-    header->setStretchLastSection(false);
-    header->setSectionResizeMode(CatalogSetListModel::NameColumn, QHeaderView::Stretch);
+    setUpColumnWidths(u"catalogTableColumns"_s, CatalogSetListModel::NameColumn, {CatalogSetListModel::OwnedColumn});
 
     installSortHeader([&viewModel] { return CatalogSetListModel::columnOfSortOrder(viewModel.catalogSortOrder()); },
                       [&viewModel] { return viewModel.catalogSortAscending(); });

@@ -18,7 +18,7 @@ constexpr int pictureWidth = 160;
 constexpr int pictureHeight = 120;
 constexpr int margin = 6;
 constexpr int badgeSize = 18;
-constexpr int textLines = 3;
+constexpr int textLines = 4;
 
 QRect pictureRect(const QRect &cell)
 {
@@ -119,6 +119,9 @@ void SetGridCellPainter::paint(QPainter *painter, const QStyleOptionViewItem &op
     line.translate(0, lineHeight);
     painter->drawText(line, Qt::AlignHCenter | Qt::AlignVCenter,
                       metrics.elidedText(cell.setNumber, Qt::ElideRight, line.width()));
+    line.translate(0, lineHeight);
+    painter->drawText(line, Qt::AlignHCenter | Qt::AlignVCenter,
+                      metrics.elidedText(cell.yearText, Qt::ElideRight, line.width()));
     line.translate(0, lineHeight);
     painter->drawText(line, Qt::AlignHCenter | Qt::AlignVCenter,
                       metrics.elidedText(cell.pieceCountText, Qt::ElideRight, line.width()));

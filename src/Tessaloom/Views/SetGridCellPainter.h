@@ -14,6 +14,7 @@ struct SetGridCell
     QImage picture;          // null while loading or when there is none
     QString name;
     QString setNumber;
+    QString yearText;        // "2017" under the number, empty when unknown
     QString pieceCountText;  // "1,351 pieces"
     bool isFavorite = false; // a star over the picture
     QString copyCountText;   // "2 copies", empty for a single copy
@@ -22,7 +23,8 @@ struct SetGridCell
 
 // Draws the cells of the set grids alike: the picture on top, a star for a favourite, a
 // check mark for a set already owned, a copy count over the picture's corner, then the
-// name, the number and the piece count below.
+// name, the number, the year and the piece count below. The year tells apart sets that
+// share a name.
 class SetGridCellPainter
 {
 public:

@@ -22,6 +22,12 @@ QString SetGridDelegate::pieceCountText(int pieces)
     return qtTrId("setList.pieceCount.", pieces);
 }
 
+QString SetGridDelegate::yearText(int year)
+{
+    // A year is a name, not an amount: never grouped ("2017", not "2,017").
+    return year > 0 ? QString::number(year) : QString();
+}
+
 void SetGridDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     QStyleOptionViewItem styled = option;

@@ -27,6 +27,8 @@ protected:
 
     QImage picture(const QString &urlString, const QModelIndex &index, QAbstractItemView *view) const;
     static QString pieceCountText(int pieces);
+    // A release year as the cells show it; empty for an unknown year (0).
+    static QString yearText(int year);
 
 private:
     CellPictureLoader &m_pictures;

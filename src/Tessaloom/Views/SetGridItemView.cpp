@@ -15,6 +15,7 @@ SetGridCell SetGridItemView::cell(const QModelIndex &index, QAbstractItemView *v
     cell.picture = picture(index.data(SetListGroupModel::ImageURLRole).toString(), index, view);
     cell.name = index.data(SetListGroupModel::NameRole).toString();
     cell.setNumber = index.data(SetListGroupModel::SetNumberRole).toString();
+    cell.yearText = yearText(index.data(SetListGroupModel::YearRole).toInt());
     cell.pieceCountText = pieceCountText(index.data(SetListGroupModel::PieceCountRole).toInt());
     cell.isFavorite = index.data(SetListGroupModel::IsFavoriteRole).toBool();
     const int copies = index.data(SetListGroupModel::CopyCountRole).toInt();

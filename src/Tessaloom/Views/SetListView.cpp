@@ -22,6 +22,7 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QMenu>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -48,6 +49,7 @@ SetListView::SetListView(SetListViewModel &viewModel, QWidget *parent)
     , m_gridPictures(new CellPictureLoader(SetGridCellPainter::pictureSize(), gridPictureBytesKept, this))
     , m_title(new QLabel(this))
     , m_searchField(new QLineEdit(this))
+    , m_limitNotice(new QLabel(this))
     , m_lists(new QStackedWidget(this))
     , m_copiesGrid(new SetGridView(m_lists))
     , m_copiesTable(new SetTableView(viewModel, m_lists))
@@ -62,6 +64,13 @@ SetListView::SetListView(SetListViewModel &viewModel, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 0);
     buildBar();
+    m_limitNotice->setObjectName(u"setListLimitNotice"_s);
+    m_limitNotice->setTextFormat(Qt::RichText);
+    m_limitNotice->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    m_limitNotice->setWordWrap(true);
+    m_limitNotice->hide();
+    connect(m_limitNotice, &QLabel::linkActivated, &m_viewModel, &SetListViewModel::showAllCatalogResults);
+    layout->addWidget(m_limitNotice);
     layout->addWidget(m_lists, 1);
     buildCopyActions();
 
@@ -110,6 +119,8 @@ SetListView::SetListView(SetListViewModel &viewModel, QWidget *parent)
     connect(&m_viewModel, &SetListViewModel::isGridViewChanged, this, &SetListView::showCurrentList);
     connect(&m_viewModel, &SetListViewModel::catalogResultsChanged, this, &SetListView::showCurrentList);
     connect(&m_viewModel, &SetListViewModel::catalogSearchStarted, this, &SetListView::showCurrentList);
+    connect(&m_viewModel, &SetListViewModel::catalogResultsChanged, this, &SetListView::updateLimitNotice);
+    connect(&m_viewModel, &SetListViewModel::selectionIDChanged, this, &SetListView::updateLimitNotice);
     connect(&m_viewModel, &SetListViewModel::searchTextChanged, this, &SetListView::updateCatalogEmptyState);
     setSidebarSelection(std::nullopt);
     showCurrentList();
@@ -300,6 +311,26 @@ void SetListView::updateCatalogEmptyState()
     //% "No catalog set matches “%1”."
     const QString description = qtTrId("catalog.noResults.description.").arg(m_viewModel.searchText());
     m_catalogEmptyState->setContent(u"magnifyingglass"_s, title, description);
+}
+
+void SetListView::updateLimitNotice()
+{
+    // Only a catalog list is ever cut; a search on its way keeps the notice of the list shown.
+    const bool cut = m_viewModel.isCatalogList() && m_viewModel.isCatalogListCut();
+    if (!cut) {
+        m_limitNotice->hide();
+        return;
+    }
+    const QLocale locale;
+    //% "show all"
+    const QString showAll = qtTrId("setList.limitNotice.showAll");
+    //% "%1 of %2 sets — refine the search or %3"
+    const QString text = qtTrId("setList.limitNotice.")
+                             .arg(locale.toString(m_viewModel.catalogResults().size()),
+                                  locale.toString(m_viewModel.catalogTotalCount()),
+                                  u"<a href=\"showAll\">"_s + showAll.toHtmlEscaped() + u"</a>"_s);
+    m_limitNotice->setText(text);
+    m_limitNotice->show();
 }
 
 void SetListView::setSelectedBrickSet(const std::optional<ObjectID> &brickSet)

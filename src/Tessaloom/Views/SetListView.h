@@ -51,6 +51,8 @@ public:
     void setSelectedCatalogSet(const std::optional<QString> &setNum);
 
     QLabel *titleLabel() const { return m_title; }
+    // Says when the result limit cut the catalog list, with a link that shows it all.
+    QLabel *limitNotice() const { return m_limitNotice; }
     QLineEdit *searchField() const { return m_searchField; }
     QAction *gridAction() const { return m_gridAction; }
     QAction *tableAction() const { return m_tableAction; }
@@ -93,6 +95,7 @@ private:
     void updateMoveToTrashAction();
     void showCurrentList();
     void updateCatalogEmptyState();
+    void updateLimitNotice();
     void copySelectionChanged();
     void catalogSelectionChanged();
     void reselectBrickSet();
@@ -102,6 +105,7 @@ private:
     CellPictureLoader *m_gridPictures;
     QLabel *m_title;
     QLineEdit *m_searchField;
+    QLabel *m_limitNotice;
     QAction *m_gridAction = nullptr;
     QAction *m_tableAction = nullptr;
     QAction *m_partsChecklistAction = nullptr;

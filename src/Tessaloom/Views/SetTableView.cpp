@@ -34,17 +34,8 @@ SetTableView::SetTableView(SetListViewModel &viewModel, QWidget *parent)
     setItemDelegateForColumn(SetListGroupModel::ValueColumn,
                              new PriceLabel(SetListGroupModel::PriceRole, SetListGroupModel::CurrencyRole, this));
 
-    QHeaderView *header = horizontalHeader();
-    header->setSectionResizeMode(SetListGroupModel::ThumbnailColumn, QHeaderView::Fixed);
-    header->resizeSection(SetListGroupModel::ThumbnailColumn, thumbnailColumnWidth);
-    header->resizeSection(SetListGroupModel::SetNumberColumn, 90);
-    header->resizeSection(SetListGroupModel::NameColumn, 220);
-    header->resizeSection(SetListGroupModel::ThemeColumn, 130);
-    header->resizeSection(SetListGroupModel::YearColumn, 60);
-    header->resizeSection(SetListGroupModel::PiecesColumn, 70);
-    header->resizeSection(SetListGroupModel::ConditionColumn, 110);
-    header->resizeSection(SetListGroupModel::ValueColumn, 90);
-    header->setStretchLastSection(true);
+    horizontalHeader()->resizeSection(SetListGroupModel::ThumbnailColumn, thumbnailColumnWidth);
+    setUpColumnWidths(u"collectionTableColumns"_s, SetListGroupModel::NameColumn, {SetListGroupModel::ThumbnailColumn});
 
     installSortHeader([&viewModel] { return SetListGroupModel::columnOfSortOrder(viewModel.collectionSortOrder()); },
                       [&viewModel] { return viewModel.collectionSortAscending(); });

@@ -1748,5 +1748,13 @@ Your LEGO collection, its parts and its value, on your own computer.</source>
         <source>Keep Building</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="setList.limitNotice.showAll">
+        <source>show all</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="setList.limitNotice.">
+        <source>%1 of %2 sets — refine the search or %3</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>
