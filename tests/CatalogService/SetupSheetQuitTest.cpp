@@ -2,6 +2,7 @@
 #include "DumpServer.h"
 #include "Services/CatalogDatabaseService.h"
 #include "Services/RebrickableCatalog.h"
+#include "TaskOutcome.h"
 #include "TestEnvironment.h"
 #include "Views/CatalogSetupView.h"
 #include "Views/TranslationLoader.h"
@@ -166,6 +167,22 @@ private Q_SLOTS:
         QCOMPARE(m_service->state().kind, Kind::working);
         m_service->cancelCurrentTask();
         QTRY_COMPARE_WITH_TIMEOUT(m_service->state().kind, Kind::idle, 20'000);
+    }
+
+    // Last: a question that never comes leaves its answering timer behind.
+    void quittingWhileOnlyAnUpdateCheckRunsAsksNothing()
+    {
+        CatalogSetupView sheet(*m_service);
+        showSheet(sheet);
+        QCoro::Task<bool> check = m_service->checkForUpdates();
+        QCOMPARE(m_service->state().kind, Kind::working);
+        QVERIFY(!m_service->isBuilding());
+        bool asked = false;
+        answerConfirmation(u"Keep Building"_s, &asked);
+        const int status = runApplication([&sheet] { QTest::keyClick(&sheet, Qt::Key_Q, Qt::ControlModifier); });
+        QCOMPARE(status, 0);
+        QVERIFY(!asked);
+        waitForOutcome(std::move(check));
     }
 };
 

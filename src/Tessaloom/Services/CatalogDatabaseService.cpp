@@ -202,6 +202,7 @@ void CatalogDatabaseService::startBuild()
     if (m_stopSource)
         m_stopSource->request_stop(); // a finished task; stopping it changes nothing
     m_stopSource.emplace();
+    m_building = true;
     m_currentTask.emplace(build(m_stopSource->get_token()));
 }
 
@@ -220,12 +221,14 @@ QCoro::Task<> CatalogDatabaseService::build(std::stop_token stopToken)
         co_await runBuildSteps(stopToken);
         if (!self)
             co_return;
+        m_building = false;
         setState(State::completed());
     } catch (const RebrickableKit::CancellationError &) {
         if (!self)
             co_return;
         qCInfo(lcCatalogDB, "Catalog build cancelled");
         removeLeftovers();
+        m_building = false;
         setState(State::idle());
     } catch (const std::exception &error) {
         if (!self)
@@ -234,6 +237,7 @@ QCoro::Task<> CatalogDatabaseService::build(std::stop_token stopToken)
         qCCritical(lcCatalogDB, "Catalog build failed: %s", qUtf8Printable(text));
         removeLeftovers();
         m_lastFailure = explanationOf(error, text);
+        m_building = false;
         setState(State::failed(text));
     }
 }

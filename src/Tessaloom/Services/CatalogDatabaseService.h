@@ -53,6 +53,9 @@ public:
     ~CatalogDatabaseService() override;
 
     State state() const { return m_state; }
+    // Whether a download and build started by startBuild() is under way; a mere check for
+    // updates also reports working but is not a build.
+    bool isBuilding() const { return m_building; }
     // The last failed build as the user is told of it: a sentence of what happened and what
     // to do, the state's error text as its details. Empty until a build has failed.
     ErrorExplanation lastFailure() const { return m_lastFailure; }
@@ -117,6 +120,7 @@ private:
     ErrorExplanation m_lastFailure;
     std::optional<std::stop_source> m_stopSource;
     std::optional<QCoro::Task<>> m_currentTask;
+    bool m_building = false;
 };
 
 Q_DECLARE_METATYPE(CatalogDatabaseService::State)

@@ -54,7 +54,9 @@ bool QuitCommand::isQuitting()
 
 bool QuitCommand::confirm()
 {
-    if (quitting || m_service.state().kind != CatalogDatabaseService::State::Kind::working)
+    // Only a build is worth a question: a check for updates that happens to run ends with
+    // the program and loses nothing.
+    if (quitting || !m_service.isBuilding())
         return true;
     QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
                     //% "A catalog build is running. Quit and stop it?"
@@ -81,7 +83,7 @@ void QuitCommand::quit()
 void QuitCommand::stopBuildAndQuit()
 {
     quitting = true;
-    if (m_service.state().kind != CatalogDatabaseService::State::Kind::working) {
+    if (!m_service.isBuilding()) {
         QTimer::singleShot(0, qApp, &endApplication);
         return;
     }
