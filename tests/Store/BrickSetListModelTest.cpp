@@ -9,6 +9,9 @@
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimeZone>
+
+#include <random>
 
 using namespace Qt::StringLiterals;
 using namespace StoreFixtures;
@@ -196,6 +199,107 @@ private Q_SLOTS:
         QCOMPARE(removed.first().at(1).toInt(), 0);
         QCOMPARE(resets.size(), 0);
         QCOMPARE(model.rowCount(), 1);
+    }
+
+    void restoringACopyFromTheTrashPutsItBackInItsSortedPlace()
+    {
+        auto &context = m_store->viewContext();
+        const auto bonsai = context.insert(catalogSet(u"10281-1"_s, u"Bonsai Tree"_s));
+        context.save();
+        context.insert(newCopy(m_castle.objectID));
+        auto bonsaiCopy = context.insert(newCopy(bonsai.objectID));
+        context.insert(newCopy(m_falcon.objectID));
+        context.save();
+        BrickSetListModel model(*m_store, collectionRequest());
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QCOMPARE(model.rowOf(bonsaiCopy.objectID), 0);
+
+        bonsaiCopy.isTrashed = true;
+        context.update(bonsaiCopy);
+        context.save();
+        QCOMPARE(model.rowCount(), 2);
+
+        QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
+        QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+        bonsaiCopy.isTrashed = false;
+        context.update(bonsaiCopy);
+        context.save();
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(inserted.size(), 1);
+        QCOMPARE(inserted.first().at(1).toInt(), 0);
+        QCOMPARE(model.rowOf(bonsaiCopy.objectID), 0);
+        QCOMPARE(model.data(model.index(0), BrickSetListModel::NameRole).toString(), u"Bonsai Tree"_s);
+    }
+
+    void anEditThatChangesASortKeyMovesTheRow()
+    {
+        auto &context = m_store->viewContext();
+        const QDateTime start(QDate(2024, 1, 1), QTime(12, 0), QTimeZone::utc());
+        auto oldest = context.insert(newCopy(m_falcon.objectID, start));
+        const auto middle = context.insert(newCopy(m_falcon.objectID, start.addDays(1)));
+        const auto newest = context.insert(newCopy(m_castle.objectID, start.addDays(2)));
+        context.save();
+        BrickSetListModel model(*m_store, FetchRequest<BrickSet>(BrickSetQueries::notTrashed(), {{u"dateAdded"_s, false}}));
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QCOMPARE(model.rowOf(oldest.objectID), 2);
+
+        oldest.dateAdded = start.addDays(3);
+        context.update(oldest);
+        context.save();
+        QCOMPARE(model.rowOf(oldest.objectID), 0);
+        QCOMPARE(model.rowOf(newest.objectID), 1);
+        QCOMPARE(model.rowOf(middle.objectID), 2);
+    }
+
+    // Commits of one to three copies, each trashed, restored, favourited or re-dated at
+    // random: after every commit the live list is exactly what a fresh fetch reads.
+    void theListStaysTheFetchThroughManySmallCommits()
+    {
+        auto &context = m_store->viewContext();
+        const QDateTime start(QDate(2024, 1, 1), QTime(12, 0), QTimeZone::utc());
+        QList<BrickSet> copies;
+        for (int index = 0; index < 40; ++index) {
+            BrickSet copy = newCopy(index % 3 == 0 ? std::optional<ObjectID>() : (index % 2 ? m_falcon.objectID : m_castle.objectID),
+                                    start.addDays(index % 7));
+            copy.isTrashed = index % 5 == 0;
+            copies.append(context.insert(copy));
+        }
+        context.save();
+        const FetchRequest<BrickSet> request(BrickSetQueries::notTrashed(), {{u"catalogSet.name"_s, true}, {u"dateAdded"_s, false}});
+        BrickSetListModel model(*m_store, request);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        std::mt19937 random(20261125);
+        for (int commit = 0; commit < 150; ++commit) {
+            const int edits = 1 + int(random() % 3);
+            for (int edit = 0; edit < edits; ++edit) {
+                BrickSet &copy = copies[qsizetype(random() % copies.size())];
+                switch (random() % 4) {
+                case 0:
+                    copy.isTrashed = !copy.isTrashed;
+                    break;
+                case 1:
+                    copy.isFavorite = !copy.isFavorite;
+                    break;
+                case 2:
+                    copy.dateAdded = start.addDays(int(random() % 7));
+                    break;
+                default:
+                    copy.notes = QString::number(commit);
+                    break;
+                }
+                context.update(copy);
+            }
+            context.save();
+            QList<ObjectID> shown;
+            for (int row = 0; row < model.rowCount(); ++row)
+                shown.append(model.rowAt(row).brickSet.objectID);
+            QCOMPARE(shown, context.fetchObjectIDs(request));
+            for (const BrickSet &copy : std::as_const(copies)) {
+                const int row = model.rowOf(copy.objectID);
+                if (row >= 0)
+                    QCOMPARE(model.rowAt(row).brickSet.isFavorite, copy.isFavorite);
+            }
+        }
     }
 
     void observerAnnouncesOnlyCommitsThatTouchWhatAQueryReads()

@@ -93,6 +93,12 @@ private Q_SLOTS:
         const std::optional<BrickSetRowOrder> order = BrickSetRowOrder::forDescriptors(descriptors);
         QVERIFY(order);
         QCOMPARE(keys(order->sorted(rows)), keys(fetched));
+        // Each row comes before the next one and not after it: the order a live list keeps
+        // when it places a single changed row between its neighbours.
+        for (qsizetype row = 0; row + 1 < fetched.size(); ++row) {
+            QVERIFY(order->lessThan(fetched[row], fetched[row + 1]));
+            QVERIFY(!order->lessThan(fetched[row + 1], fetched[row]));
+        }
     }
 
     void keysTheRowsDoNotCarryAreLeftToTheStore()

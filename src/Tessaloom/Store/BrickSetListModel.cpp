@@ -2,6 +2,7 @@
 #include "Store/BrickSetListModel.h"
 
 #include "Store/BrickSetRowOrder.h"
+#include "Store/BrickSetRowUpdatePlan.h"
 
 #include "Logging.h"
 #include "Store/CopyChangeFilter.h"
@@ -90,6 +91,10 @@ void BrickSetListModel::onObjectsDidChange(const StoreChanges &changes)
 {
     if (!changes.touchesAny(m_entitiesRead) || !CopyChangeFilter(m_context, changes).mayChange(m_entitiesRead))
         return;
+    if (followCopyUpdates(changes)) {
+        Q_EMIT refetched();
+        return;
+    }
     QList<ObjectID> ids;
     try {
         ids = m_context.fetchObjectIDs(m_request);
@@ -117,6 +122,69 @@ void BrickSetListModel::onObjectsDidChange(const StoreChanges &changes)
     }
     applyRows(ids, fresh);
     Q_EMIT refetched();
+}
+
+bool BrickSetListModel::followCopyUpdates(const StoreChanges &changes)
+{
+    // A limited list can gain or lose rows at its end from any change: no shortcut there.
+    if (m_request.fetchLimit > 0)
+        return false;
+    for (const QSet<ObjectID> *set : {&changes.inserted, &changes.deleted}) {
+        for (const ObjectID &id : *set) {
+            if (m_entitiesRead.contains(id.entity))
+                return false;
+        }
+    }
+    QList<ObjectID> copies;
+    for (const ObjectID &id : changes.updated) {
+        if (!m_entitiesRead.contains(id.entity))
+            continue;
+        if (id.entity != EntityType::BrickSet)
+            return false;
+        copies.append(id);
+    }
+    if (copies.isEmpty() || copies.size() > copyUpdateLimit)
+        return false;
+    const std::optional<BrickSetRowOrder> order = BrickSetRowOrder::forDescriptors(m_request.sortDescriptors);
+    if (!order)
+        return false;
+
+    QHash<qint64, BrickSetWithCatalogSet> matching;
+    try {
+        FetchRequest<BrickSet> request(m_request.predicate && Predicate::objectIn(copies));
+        for (auto &row : m_context.fetchBrickSetsWithCatalogSets(request))
+            matching.insert(row.brickSet.objectID.primaryKey, std::move(row));
+    } catch (const StoreError &) {
+        return false; // the whole refetch tries again and says what failed
+    }
+    std::optional<BrickSetRowUpdatePlan> plan = BrickSetRowUpdatePlan::make(m_rows, *order, copies, std::move(matching));
+    if (!plan)
+        return false;
+
+    const int oldCount = count();
+    for (auto &[row, shown] : plan->changing) {
+        m_rows[row] = std::move(shown);
+        Q_EMIT dataChanged(index(row), index(row));
+    }
+    for (qsizetype leaving = plan->leaving.size() - 1; leaving >= 0; --leaving) {
+        const int row = plan->leaving[leaving];
+        beginRemoveRows(QModelIndex(), row, row);
+        m_rows.remove(row);
+        endRemoveRows();
+    }
+    for (BrickSetWithCatalogSet &joining : plan->joining) {
+        const auto at = std::lower_bound(m_rows.cbegin(), m_rows.cend(), joining,
+                                         [&order](const BrickSetWithCatalogSet &left, const BrickSetWithCatalogSet &right) {
+                                             return order->lessThan(left, right);
+                                         });
+        const int row = int(at - m_rows.cbegin());
+        beginInsertRows(QModelIndex(), row, row);
+        m_rows.insert(row, std::move(joining));
+        endInsertRows();
+    }
+    if (count() != oldCount)
+        Q_EMIT countChanged();
+    return true;
 }
 
 void BrickSetListModel::applyRows(const QList<ObjectID> &ids, QHash<qint64, BrickSetWithCatalogSet> &fresh)

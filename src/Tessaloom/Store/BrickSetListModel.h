@@ -21,6 +21,9 @@ class PersistentContainer;
 class BrickSetListModel : public QAbstractListModel
 {
     Q_OBJECT
+    // Above this many updated copies in one commit the list reads itself again instead.
+    static constexpr qsizetype copyUpdateLimit = 64;
+
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
@@ -65,6 +68,9 @@ Q_SIGNALS:
 
 private:
     void onObjectsDidChange(const StoreChanges &changes);
+    // Follows a commit that only updated copies by reading just those copies; false when
+    // the commit is of another kind or a changed row would move.
+    bool followCopyUpdates(const StoreChanges &changes);
     void replaceRows(QList<BrickSetWithCatalogSet> rows);
     void applyRows(const QList<ObjectID> &ids, QHash<qint64, BrickSetWithCatalogSet> &fresh);
     QList<BrickSetWithCatalogSet> fetchRows(const FetchRequest<BrickSet> &request) const;

@@ -9,8 +9,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A sort key as the store sees it: absent, a number, or text as UTF-8 bytes (the store
-// compares text bytewise, which orders some characters unlike UTF-16 would).
+// The same type as the order's own key (the store compares text bytewise, which orders
+// some characters unlike UTF-16 would).
 using KeyValue = std::variant<std::monostate, qint64, QByteArray>;
 
 int compareValues(const KeyValue &left, const KeyValue &right)
@@ -53,48 +53,63 @@ std::optional<BrickSetRowOrder> BrickSetRowOrder::forDescriptors(const QList<Sor
     return BrickSetRowOrder(std::move(terms));
 }
 
+QList<BrickSetRowOrder::KeyValue> BrickSetRowOrder::keysOf(const BrickSetWithCatalogSet &copy) const
+{
+    const std::optional<CatalogSet> &set = copy.catalogSet;
+    QList<KeyValue> keys;
+    keys.reserve(m_terms.size());
+    for (const Term &term : m_terms) {
+        switch (term.key) {
+        case Key::name:
+            keys.append(set ? text(set->name) : KeyValue());
+            break;
+        case Key::setNumber:
+            keys.append(set ? text(set->setNumber) : KeyValue());
+            break;
+        case Key::year:
+            keys.append(set ? KeyValue(qint64(set->year)) : KeyValue());
+            break;
+        case Key::pieceCount:
+            keys.append(set ? KeyValue(qint64(set->pieceCount)) : KeyValue());
+            break;
+        case Key::dateAdded:
+            keys.append(copy.brickSet.dateAdded ? KeyValue(copy.brickSet.dateAdded->toMSecsSinceEpoch()) : KeyValue());
+            break;
+        case Key::overallCondition:
+            keys.append(text(copy.brickSet.overallCondition));
+            break;
+        }
+    }
+    return keys;
+}
+
+bool BrickSetRowOrder::lessThan(const QList<KeyValue> &leftKeys, qint64 leftKey, const QList<KeyValue> &rightKeys,
+                                qint64 rightKey) const
+{
+    for (qsizetype term = 0; term < m_terms.size(); ++term) {
+        const int comparison = compareValues(leftKeys[term], rightKeys[term]);
+        if (comparison != 0)
+            return m_terms[term].ascending ? comparison < 0 : comparison > 0;
+    }
+    return leftKey < rightKey;
+}
+
+bool BrickSetRowOrder::lessThan(const BrickSetWithCatalogSet &left, const BrickSetWithCatalogSet &right) const
+{
+    return lessThan(keysOf(left), left.brickSet.objectID.primaryKey, keysOf(right), right.brickSet.objectID.primaryKey);
+}
+
 QList<BrickSetWithCatalogSet> BrickSetRowOrder::sorted(const QList<BrickSetWithCatalogSet> &rows) const
 {
     // The keys are read once per row, not once per comparison.
     QList<QList<KeyValue>> keys(rows.size());
-    for (qsizetype row = 0; row < rows.size(); ++row) {
-        const BrickSetWithCatalogSet &copy = rows[row];
-        const std::optional<CatalogSet> &set = copy.catalogSet;
-        QList<KeyValue> &rowKeys = keys[row];
-        rowKeys.reserve(m_terms.size());
-        for (const Term &term : m_terms) {
-            switch (term.key) {
-            case Key::name:
-                rowKeys.append(set ? text(set->name) : KeyValue());
-                break;
-            case Key::setNumber:
-                rowKeys.append(set ? text(set->setNumber) : KeyValue());
-                break;
-            case Key::year:
-                rowKeys.append(set ? KeyValue(qint64(set->year)) : KeyValue());
-                break;
-            case Key::pieceCount:
-                rowKeys.append(set ? KeyValue(qint64(set->pieceCount)) : KeyValue());
-                break;
-            case Key::dateAdded:
-                rowKeys.append(copy.brickSet.dateAdded ? KeyValue(copy.brickSet.dateAdded->toMSecsSinceEpoch())
-                                                       : KeyValue());
-                break;
-            case Key::overallCondition:
-                rowKeys.append(text(copy.brickSet.overallCondition));
-                break;
-            }
-        }
-    }
+    for (qsizetype row = 0; row < rows.size(); ++row)
+        keys[row] = keysOf(rows[row]);
     QList<qsizetype> order(rows.size());
     std::iota(order.begin(), order.end(), 0);
     std::sort(order.begin(), order.end(), [&](qsizetype left, qsizetype right) {
-        for (qsizetype term = 0; term < m_terms.size(); ++term) {
-            const int comparison = compareValues(keys[left][term], keys[right][term]);
-            if (comparison != 0)
-                return m_terms[term].ascending ? comparison < 0 : comparison > 0;
-        }
-        return rows[left].brickSet.objectID.primaryKey < rows[right].brickSet.objectID.primaryKey;
+        return lessThan(keys[left], rows[left].brickSet.objectID.primaryKey, keys[right],
+                        rows[right].brickSet.objectID.primaryKey);
     });
     // Read through a const list: the rows are often shared with the list being re-sorted,
     // and writing would copy all of them first.

@@ -5,6 +5,7 @@
 #include "Store/SortDescriptor.h"
 
 #include <optional>
+#include <variant>
 
 // Orders rows of copies (each with its catalog set) in memory exactly as the store's fetch
 // orders them for the same sort descriptors: text by its UTF-8 bytes, numbers and dates by
@@ -24,7 +25,17 @@ public:
     // `rows` in this order.
     QList<BrickSetWithCatalogSet> sorted(const QList<BrickSetWithCatalogSet> &rows) const;
 
+    // Whether `left` comes before `right` in this order.
+    bool lessThan(const BrickSetWithCatalogSet &left, const BrickSetWithCatalogSet &right) const;
+
 private:
+    // A sort key as the store sees it: absent, a number, or text as UTF-8 bytes.
+    using KeyValue = std::variant<std::monostate, qint64, QByteArray>;
+
+    QList<KeyValue> keysOf(const BrickSetWithCatalogSet &row) const;
+    bool lessThan(const QList<KeyValue> &leftKeys, qint64 leftKey, const QList<KeyValue> &rightKeys,
+                  qint64 rightKey) const;
+
     enum class Key { name, setNumber, year, pieceCount, dateAdded, overallCondition };
     struct Term
     {

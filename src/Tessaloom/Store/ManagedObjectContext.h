@@ -65,6 +65,10 @@ public:
     QList<T> fetch(const FetchRequest<T> &request);
     template <StoreEntity T>
     qint64 count(const FetchRequest<T> &request);
+    // For each object that `among` selects, by primary key, which of `predicates` (at
+    // most 64) it matches: bit i for predicates[i]. One pass answers for all of them.
+    template <StoreEntity T>
+    QHash<qint64, quint64> matchesEach(const QList<Predicate> &predicates, const Predicate &among);
     // Only the identifiers of the objects `request` fetches, in its order.
     template <StoreEntity T>
     QList<ObjectID> fetchObjectIDs(const FetchRequest<T> &request);

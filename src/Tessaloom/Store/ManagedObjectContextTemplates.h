@@ -93,6 +93,40 @@ qint64 ManagedObjectContext::count(const FetchRequest<T> &request)
 }
 
 template <StoreEntity T>
+QHash<qint64, quint64> ManagedObjectContext::matchesEach(const QList<Predicate> &predicates, const Predicate &among)
+{
+    Q_ASSERT(predicates.size() <= 64);
+    QueryCompiler compiler(EntityTraits<T>::type, QStringLiteral("t0"));
+    QList<SqlValue> bindings;
+    QStringList columns{QStringLiteral("t0.pk")};
+    // Compiled in the order they appear in the text, so the bindings follow that order.
+    for (const Predicate &predicate : predicates)
+        columns.append(QStringLiteral("CASE WHEN ") + predicate.toSql(compiler, bindings) + QStringLiteral(" THEN 1 ELSE 0 END"));
+    const QString where = among.toSql(compiler, bindings);
+    const QString sql = QStringLiteral("SELECT ") + columns.join(QStringLiteral(", ")) + QStringLiteral(" FROM ")
+        + entityName(EntityTraits<T>::type) + QStringLiteral(" t0 WHERE ") + where;
+    QHash<qint64, quint64> matches;
+    beginRead();
+    try {
+        auto statement = m_connection->prepare(sql);
+        bindAll(statement, bindings);
+        while (statement.step()) {
+            quint64 bits = 0;
+            for (int column = 0; column < predicates.size(); ++column) {
+                if (statement.integer(column + 1) != 0)
+                    bits |= quint64(1) << column;
+            }
+            matches.insert(statement.integer(0), bits);
+        }
+    } catch (...) {
+        endRead();
+        throw;
+    }
+    endRead();
+    return matches;
+}
+
+template <StoreEntity T>
 QList<ObjectID> ManagedObjectContext::fetchObjectIDs(const FetchRequest<T> &request)
 {
     QueryCompiler compiler(EntityTraits<T>::type, QStringLiteral("t0"));

@@ -6,7 +6,7 @@
 #include "Services/RebrickableCatalog.h"
 #include "Store/BrickSetQueries.h"
 #include "Store/ManagedObjectContext.h"
-#include "Store/CopyChangeFilter.h"
+#include "Store/CopyMatchCounter.h"
 #include "Store/StoreObserver.h"
 #include "ViewModels/SidebarVisibilitySettings.h"
 
@@ -70,16 +70,18 @@ SidebarViewModel::SidebarViewModel(ManagedObjectContext &viewContext, CatalogDat
     connect(&SidebarVisibilitySettings::shared(), &SidebarVisibilitySettings::visibilityChanged, this,
             &SidebarViewModel::visibilityChanged);
 
-    QSet<EntityType> observed;
+    // Every badge but the wishlist's counts copies; they are counted together.
+    QList<Predicate> copyPredicates;
     for (Kind kind : badgeKinds) {
-        QSet<EntityType> entities;
         if (kind == Kind::wishlist)
-            entities = {EntityType::WishlistItem};
-        else
-            entities = StoreObserver::entitiesRead(FetchRequest<BrickSet>(badgePredicate(kind, m_createdAt)));
-        m_entitiesRead.insert(kind, entities);
-        observed.unite(entities);
+            continue;
+        m_copyKinds.append(kind);
+        copyPredicates.append(badgePredicate(kind, m_createdAt));
     }
+    QSet<EntityType> observed{EntityType::WishlistItem};
+    for (const Predicate &predicate : std::as_const(copyPredicates))
+        observed.unite(StoreObserver::entitiesRead(FetchRequest<BrickSet>(predicate)));
+    m_copyCounter = std::make_unique<CopyMatchCounter>(viewContext, std::move(copyPredicates));
     m_storeObserver = new StoreObserver(viewContext.container(), observed, this);
     connect(m_storeObserver, &StoreObserver::changed, this, [this](const StoreChanges &changes) { recount(&changes); });
     recount(nullptr);
@@ -174,30 +176,31 @@ void SidebarViewModel::loadThemeTree()
 
 void SidebarViewModel::recount(const StoreChanges *changes)
 {
-    std::optional<CopyChangeFilter> filter;
-    if (changes)
-        filter.emplace(m_viewContext, *changes);
-    for (Kind kind : badgeKinds) {
-        const QSet<EntityType> entitiesRead = m_entitiesRead.value(kind);
-        if (changes && (!changes->touchesAny(entitiesRead) || (kind != Kind::wishlist && !filter->mayChange(entitiesRead))))
-            continue;
-        const qint64 fresh = count(kind);
-        const auto old = m_counts.constFind(kind);
-        if (old != m_counts.cend() && old.value() == fresh)
-            continue;
-        m_counts.insert(kind, fresh);
-        if (changes)
-            Q_EMIT badgeCountChanged(kind, fresh);
-    }
+    if (!changes)
+        m_copyCounter->recountAll();
+    else
+        m_copyCounter->follow(*changes);
+    for (qsizetype index = 0; index < m_copyKinds.size(); ++index)
+        setCount(m_copyKinds[index], m_copyCounter->count(index), changes != nullptr);
+    if (!changes || changes->touches(EntityType::WishlistItem))
+        setCount(Kind::wishlist, wishlistCount(), changes != nullptr);
 }
 
-qint64 SidebarViewModel::count(SidebarItem::Kind kind) const
+void SidebarViewModel::setCount(Kind kind, qint64 count, bool announce)
+{
+    const auto old = m_counts.constFind(kind);
+    if (old != m_counts.cend() && old.value() == count)
+        return;
+    m_counts.insert(kind, count);
+    if (announce)
+        Q_EMIT badgeCountChanged(kind, count);
+}
+
+qint64 SidebarViewModel::wishlistCount() const
 {
     // A count that cannot be read shows as none, like a failed fetch.
     try {
-        if (kind == Kind::wishlist)
-            return m_viewContext.count(FetchRequest<WishlistItem>());
-        return m_viewContext.count(FetchRequest<BrickSet>(badgePredicate(kind, m_createdAt)));
+        return m_viewContext.count(FetchRequest<WishlistItem>());
     } catch (const StoreError &error) {
         qCWarning(lcPersistence) << "Sidebar count failed:" << error.description();
         return 0;

@@ -11,8 +11,10 @@
 #include <QObject>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
+class CopyMatchCounter;
 class CatalogDatabaseService;
 class ManagedObjectContext;
 class StoreObserver;
@@ -87,7 +89,8 @@ Q_SIGNALS:
 private:
     void loadThemeTree();
     void recount(const StoreChanges *changes);
-    qint64 count(SidebarItem::Kind kind) const;
+    void setCount(SidebarItem::Kind kind, qint64 count, bool announce);
+    qint64 wishlistCount() const;
 
     ManagedObjectContext &m_viewContext;
     ThemeTreeQuery m_themeTreeQuery;
@@ -99,5 +102,6 @@ private:
     QDateTime m_createdAt;
     StoreObserver *m_storeObserver = nullptr;
     QMap<SidebarItem::Kind, qint64> m_counts;
-    QMap<SidebarItem::Kind, QSet<EntityType>> m_entitiesRead;
+    QList<SidebarItem::Kind> m_copyKinds;           // the badges that count copies, in the counter's order
+    std::unique_ptr<CopyMatchCounter> m_copyCounter;
 };

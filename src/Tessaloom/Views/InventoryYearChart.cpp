@@ -76,12 +76,19 @@ void InventoryYearChart::setTotals(const InventoryYearTotals &totals)
 
     if (sameShape) {
         const QList<QBarSet *> sets = m_series->barSets();
+        // Each replaced bar lays the chart out again: a single changed copy moves one bar.
         for (qsizetype index = 0; index < sets.size(); ++index) {
-            for (qsizetype year = 0; year < values[index].size(); ++year)
-                sets[index]->replace(int(year), values[index][year]);
+            for (qsizetype year = 0; year < values[index].size(); ++year) {
+                if (sets[index]->at(int(year)) != values[index][year])
+                    sets[index]->replace(int(year), values[index][year]);
+            }
         }
-        m_amountAxis->setRange(0, highest > 0 ? highest : 1);
-        m_amountAxis->applyNiceNumbers();
+        const double top = highest > 0 ? highest : 1;
+        if (top != m_amountTop) {
+            m_amountTop = top;
+            m_amountAxis->setRange(0, top);
+            m_amountAxis->applyNiceNumbers();
+        }
         return;
     }
 
@@ -119,7 +126,8 @@ void InventoryYearChart::setTotals(const InventoryYearTotals &totals)
     drawing->addAxis(yearAxis, Qt::AlignBottom);
     series->attachAxis(yearAxis);
     m_amountAxis = new QValueAxis;
-    m_amountAxis->setRange(0, highest > 0 ? highest : 1);
+    m_amountTop = highest > 0 ? highest : 1;
+    m_amountAxis->setRange(0, m_amountTop);
     m_amountAxis->setLabelFormat(u"%.0f"_s);
     m_amountAxis->applyNiceNumbers();
     drawing->addAxis(m_amountAxis, Qt::AlignLeft);

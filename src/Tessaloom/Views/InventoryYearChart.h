@@ -30,5 +30,6 @@ private:
     QStringList m_currencies;
     QBarSeries *m_series = nullptr;
     QValueAxis *m_amountAxis = nullptr;
+    double m_amountTop = 0; // the highest bar the axis was last fitted to
     bool m_drawn = false;
 };
