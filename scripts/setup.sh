@@ -14,7 +14,7 @@ packages=(
     qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-httpserver-dev qt6-svg-dev
     qcoro-qt6-dev qtkeychain-qt6-dev
     libsqlite3-dev sqlite3 zlib1g-dev
-    xvfb xauth xdotool imagemagick x11-utils
+    xvfb xauth xdotool imagemagick x11-utils openbox
     dbus dbus-x11 gnome-keyring
     desktop-file-utils appstream
 )

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Views/BundledIconTheme.h"
 #include "Views/MainWindow.h"
 #include "Views/StoreOpenFailureDialog.h"
 #include "Views/TessaloomApp.h"
@@ -131,6 +132,7 @@ int main(int argc, char *argv[])
     nameApplication();
     QApplication::setApplicationDisplayName(u"Tessaloom"_s);
     QApplication::setDesktopFileName(u"com.tessaloom.app"_s);
+    BundledIconTheme::install();
     QApplication::setWindowIcon(QIcon::fromTheme(u"com.tessaloom.app"_s));
 
     CommandLine commandLine;

@@ -143,6 +143,16 @@ private Q_SLOTS:
         QVERIFY(!m_model->indexOf(SidebarItem(Kind::catalogAll)).data(SidebarTreeModel::BadgeCountRole).isValid());
     }
 
+    // A narrow sidebar cuts long labels short; the whole label is the row's tool tip.
+    void aRowsToolTipIsItsWholeLabel()
+    {
+        makeModel();
+        const QModelIndex row = m_model->indexOf(SidebarItem(Kind::recentlyAdded));
+        QVERIFY(row.isValid());
+        QVERIFY(!row.data(Qt::ToolTipRole).toString().isEmpty());
+        QCOMPARE(row.data(Qt::ToolTipRole).toString(), SidebarItem(Kind::recentlyAdded).rowText());
+    }
+
     void iconsComeFromTheGivenProvider()
     {
         makeModel();

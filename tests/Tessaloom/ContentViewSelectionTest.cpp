@@ -34,9 +34,11 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QStackedWidget>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QLabel>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QThreadPool>
 
@@ -345,10 +347,18 @@ private Q_SLOTS:
         QCOMPARE(list().searchFocusTrigger(), !before);
         QTRY_VERIFY(search->hasFocus());
 
-        // Over the theme browser the keys go to its own search field.
+        // Over the theme browser the keys go to its own search field, even from its
+        // table, whose type-ahead would otherwise take what is typed next and open a theme.
+        QTest::failOnWarning(QRegularExpression(u"Ambiguous shortcut"_s));
         sidebar().setSelectedItem(SidebarItem(SidebarItem::Kind::catalogAllThemes));
+        content().themeBrowser()->tableView()->setFocus();
+        QTRY_VERIFY(content().themeBrowser()->tableView()->hasFocus());
         QTest::keySequence(m_content.get(), QKeySequence::Find);
         QTRY_VERIFY(content().themeBrowser()->searchField()->hasFocus());
+        QTest::keyClicks(QApplication::focusWidget(), u"castle"_s);
+        QCOMPARE(content().themeBrowser()->searchField()->text(), u"castle"_s);
+        QCOMPARE(sidebar().selectedItem(), std::optional(SidebarItem(SidebarItem::Kind::catalogAllThemes)));
+        QCOMPARE(content().middleColumn()->currentWidget(), content().themeBrowser());
     }
 };
 

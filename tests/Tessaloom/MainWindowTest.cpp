@@ -3,6 +3,7 @@
 #include "Services/CatalogDatabaseService.h"
 #include "Store/PersistenceController.h"
 #include "TestEnvironment.h"
+#include "Views/ContentSplitterLayout.h"
 #include "Views/ContentView.h"
 #include "Views/EmptyStateView.h"
 #include "Views/MainWindow.h"
@@ -117,6 +118,57 @@ private Q_SLOTS:
         reopened.show();
         QVERIFY(QTest::qWaitForWindowExposed(&reopened));
         QCOMPARE(reopened.contentView()->splitter()->sizes().first(), chosen.first());
+    }
+
+    // A page of the detail column that asks for more room (the inventory sheet) does not
+    // push the columns away from where the user put them.
+    void theColumnsStayWhereTheUserPutThem()
+    {
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
+        window.resize(1600, 1000);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QSplitter *splitter = window.contentView()->splitter();
+        int width = 0;
+        for (const int size : splitter->sizes())
+            width += size;
+        // As a user drags the detail column down to its least width.
+        splitter->setSizes({240, width - 240 - ContentSplitterLayout::detailMinimumWidth,
+                            ContentSplitterLayout::detailMinimumWidth});
+        QCoreApplication::processEvents();
+        const QList<int> chosen = splitter->sizes();
+        QCOMPARE(chosen.last(), ContentSplitterLayout::detailMinimumWidth);
+        SidebarViewModel &sidebar = window.contentView()->sidebarViewModel();
+        for (SidebarItem::Kind kind : {SidebarItem::Kind::inventory, SidebarItem::Kind::catalogAllThemes,
+                                       SidebarItem::Kind::trash, SidebarItem::Kind::allSets}) {
+            sidebar.setSelectedItem(SidebarItem(kind));
+            QTest::qWait(20);
+            QCOMPARE(splitter->sizes(), chosen);
+        }
+    }
+
+    void theSidebarWidensWithTheWindowWithinLimits()
+    {
+        MainWindow window(m_store->container(), *m_catalogService, *m_updates);
+        window.resize(1200, 800);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QSplitter *splitter = window.contentView()->splitter();
+        const int narrow = splitter->sizes().first();
+        QVERIFY(narrow >= ContentSplitterLayout::sidebarMinimumWidth);
+        window.resize(1900, 800);
+        QTRY_VERIFY(splitter->sizes().first() > narrow);
+        QVERIFY(splitter->sizes().first() <= ContentSplitterLayout::sidebarMaximumWidth);
+        window.resize(4000, 800);
+        QTRY_COMPARE(splitter->sizes().first(), ContentSplitterLayout::sidebarMaximumWidth);
+        // The list and the detail took the rest.
+        QVERIFY(splitter->sizes().at(1) > 1000);
+        QVERIFY(splitter->sizes().at(2) > 1000);
+        window.resize(900, 800);
+        QTRY_VERIFY(splitter->sizes().first() < ContentSplitterLayout::sidebarMaximumWidth);
+        QVERIFY(splitter->sizes().first() >= ContentSplitterLayout::sidebarMinimumWidth);
+        QVERIFY(splitter->sizes().at(1) >= ContentSplitterLayout::middleMinimumWidth);
+        QVERIFY(splitter->sizes().at(2) >= ContentSplitterLayout::detailMinimumWidth);
     }
 
     void middleColumnListsOwnedCopiesLiveFromABackgroundSave()

@@ -306,14 +306,15 @@ private Q_SLOTS:
         QCOMPARE(view.selectedThemeID(), std::optional<int>(3));
     }
 
-    void ctrlFFocusesTheSearchField()
+    // The window's Ctrl+F calls this (tested with the whole window in ContentViewSelectionTest).
+    void focusingTheSearchFieldTakesTheFocusFromTheTable()
     {
         ThemeBrowserView view;
         view.show();
         QVERIFY(QTest::qWaitForWindowActive(&view));
         view.tableView()->setFocus();
         QVERIFY(!view.searchField()->hasFocus());
-        QTest::keySequence(&view, QKeySequence::Find);
+        view.focusSearchField();
         QVERIFY(view.searchField()->hasFocus());
     }
 

@@ -142,6 +142,9 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
         return item.rowText();
+    case Qt::ToolTipRole:
+        // The row may be cut short ("Unknown Acqui…") in a narrow sidebar.
+        return item.rowText();
     case Qt::DecorationRole:
         return m_iconProvider ? QVariant(m_iconProvider(item.iconName())) : QVariant();
     case SidebarItemRole:

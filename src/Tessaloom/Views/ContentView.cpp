@@ -16,6 +16,7 @@
 #include "ViewModels/SidebarItem.h"
 #include "ViewModels/SidebarViewModel.h"
 #include "Views/CatalogSetDetailView.h"
+#include "Views/ContentSplitterLayout.h"
 #include "Views/EmptyStateView.h"
 #include "Views/InventoryFilterView.h"
 #include "Views/InventorySpreadsheetView.h"
@@ -39,9 +40,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int sidebarWidth = 220;
-constexpr int middleWidth = 460;
-constexpr int detailWidth = 520;
 const QString themeBrowserSearchKey = u"themeBrowser.searchText"_s;
 
 } // namespace
@@ -73,7 +71,6 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     layout->addWidget(m_splitter);
 
     m_splitter->setObjectName(u"contentSplitter"_s);
-    m_splitter->setChildrenCollapsible(false);
     m_middleColumn->setObjectName(u"middleColumn"_s);
     m_detailColumn->setObjectName(u"detailColumn"_s);
     m_detailPlaceholder->setObjectName(u"detailPlaceholder"_s);
@@ -113,7 +110,7 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
         m_listViewModel->toggleSearchFocusTrigger();
         // The theme browser stands in the list's place with a search field of its own.
         if (m_middleColumn->currentWidget() == m_themeBrowser)
-            m_themeBrowser->searchField()->setFocus(Qt::ShortcutFocusReason);
+            m_themeBrowser->focusSearchField();
         // So does the inventory sheet, in the detail column.
         if (m_inventorySheet && m_detailColumn->currentWidget() == m_inventorySheet)
             m_inventorySheet->searchField()->setFocus(Qt::ShortcutFocusReason);
@@ -139,10 +136,7 @@ ContentView::ContentView(PersistentContainer &container, CatalogDatabaseService 
     connect(m_sidebarViewModel.get(), &SidebarViewModel::selectedItemChanged, this, &ContentView::selectionChanged);
     selectionChanged(m_sidebarViewModel->selectedItem());
 
-    m_splitter->setStretchFactor(0, 0);
-    m_splitter->setStretchFactor(1, 1);
-    m_splitter->setStretchFactor(2, 1);
-    m_splitter->setSizes({sidebarWidth, middleWidth, detailWidth});
+    ContentSplitterLayout::apply(*m_splitter);
 }
 
 ContentView::~ContentView()

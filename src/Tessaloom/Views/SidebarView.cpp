@@ -22,7 +22,7 @@ SidebarView::SidebarView(SidebarViewModel &viewModel, QWidget *parent)
     setUniformRowHeights(true);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setMinimumWidth(180);
+    // Its least and greatest widths are the window's: see ContentSplitterLayout.
     // The two sections stay open; theme branches open on demand.
     const auto expandSections = [this] {
         for (int row = 0; row < m_model->rowCount(); ++row)

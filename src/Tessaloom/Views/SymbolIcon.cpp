@@ -24,7 +24,7 @@ const QHash<QString, SymbolMapping> &mappings()
 {
     static const QHash<QString, SymbolMapping> table{
         {u"square.grid.2x2"_s, {u"view-grid"_s, QStyle::SP_FileDialogContentsView}},
-        {u"square.grid.2x2.fill"_s, {u"view-grid"_s, QStyle::SP_FileDialogContentsView}},
+        {u"square.grid.2x2.fill"_s, {u"view-list-icons"_s, QStyle::SP_FileDialogListView}},
         {u"list.bullet"_s, {u"view-list-details"_s, QStyle::SP_FileDialogDetailedView}},
         {u"folder"_s, {u"folder"_s, QStyle::SP_DirIcon}},
         {u"trash"_s, {u"user-trash"_s, QStyle::SP_TrashIcon}},

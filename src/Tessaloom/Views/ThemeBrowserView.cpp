@@ -9,7 +9,6 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
-#include <QShortcut>
 #include <QShowEvent>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -91,11 +90,9 @@ ThemeBrowserView::ThemeBrowserView(QWidget *parent)
     // Enter on the current row and a double-click both arrive as activation.
     connect(m_tableView, &QAbstractItemView::activated, this, &ThemeBrowserView::activate);
 
-    // In the whole window, so that Ctrl+F reaches the field from the sidebar too; only
-    // the visible list of the middle column holds the key.
-    auto *find = new QShortcut(QKeySequence::Find, this);
-    find->setContext(Qt::WindowShortcut);
-    connect(find, &QShortcut::activated, this, &ThemeBrowserView::focusSearchField);
+    // Ctrl+F is the window's (see ContentView), which brings the focus here while the
+    // browser is on show: a second shortcut for the same keys here would make both
+    // ambiguous, and Qt would then run neither.
 }
 
 QString ThemeBrowserView::searchText() const

@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Ctrl+F over the theme browser as a user presses it: the real program in a real X server
+# (Xvfb) with a window manager (openbox), keys sent by xdotool. The typed text must land
+# in the browser's search field, and the browser must stay on show; before, the keys went
+# to the table's type-ahead, which picked a theme and left the browser.
+#   find-in-theme-browser.sh BINARY
+set -euo pipefail
+binary=$1
+
+for tool in xvfb-run xdotool openbox; do
+    command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
+done
+
+sandbox=$(mktemp -d)
+trap 'rm -rf "$sandbox"' EXIT
+export HOME=$sandbox/home XDG_CONFIG_HOME=$sandbox/config XDG_DATA_HOME=$sandbox/data XDG_CACHE_HOME=$sandbox/cache
+mkdir -p "$HOME" "$XDG_CONFIG_HOME/Tessaloom" "$XDG_DATA_HOME" "$XDG_CACHE_HOME"
+unset QT_QPA_PLATFORM WAYLAND_DISPLAY
+endpoints=()
+for service in rebrickable bricklink bricklinkImages brickeconomy brickset brickowl ebay rapidapi lego updates; do
+    endpoints+=("$service=http://127.0.0.1:9")
+done
+TESSALOOM_ENDPOINTS=$(IFS=';'; echo "${endpoints[*]}")
+export TESSALOOM_ENDPOINTS
+settings=$XDG_CONFIG_HOME/Tessaloom/Tessaloom.conf
+# The window opens on the theme browser ("All Themes"), as it does after a visit there.
+printf '[General]\nsidebar.lastSelectedItem=catalog_all_themes\n' > "$settings"
+
+# shellcheck disable=SC2016
+xvfb-run --auto-servernum --server-args="-screen 0 1400x900x24" bash -c '
+    set -euo pipefail
+    openbox > "$2/openbox.log" 2>&1 &
+    "$1" > "$2/app.log" 2>&1 &
+    app=$!
+    if ! window=$(timeout 60 xdotool search --sync --onlyvisible --name "^Tessaloom$" | head -n 1); then
+        echo "The main window did not appear within 60 seconds." >&2
+        cat "$2/app.log" >&2
+        kill "$app" 2>/dev/null || true
+        exit 1
+    fi
+    # Keys go to the focused window: wait until the window manager has given it the focus,
+    # then a moment for the first frame (the first start also reads fonts and icons).
+    xdotool windowactivate --sync "$window" || true
+    for _ in $(seq 100); do
+        [ "$(xdotool getwindowfocus 2>/dev/null)" = "$window" ] && break
+        xdotool windowfocus "$window" 2>/dev/null || true
+        sleep 0.1
+    done
+    sleep 2
+    # Into the theme table first, where the type-ahead lives: Tab from the search field.
+    xdotool key --clearmodifiers ctrl+f
+    xdotool key --clearmodifiers Tab
+    sleep 0.3
+    xdotool key --clearmodifiers ctrl+f
+    sleep 0.3
+    xdotool type --delay 40 ninjago
+    sleep 1
+    xdotool key --clearmodifiers ctrl+q
+    for _ in $(seq 50); do kill -0 "$app" 2>/dev/null || break; sleep 0.2; done
+    if kill -0 "$app" 2>/dev/null; then
+        echo "The program did not quit on Ctrl+Q." >&2
+        kill "$app"
+        exit 1
+    fi
+' _ "$binary" "$sandbox"
+
+search=$(sed -n 's/^themeBrowser.searchText=//p' "$settings")
+selected=$(sed -n 's/^sidebar.lastSelectedItem=//p' "$settings")
+if [ "$search" != "ninjago" ] || [ "$selected" != "catalog_all_themes" ]; then
+    echo "Ctrl+F did not reach the theme browser's search field:" >&2
+    echo "  search text \"$search\" (expected \"ninjago\"), sidebar \"$selected\" (expected \"catalog_all_themes\")" >&2
+    cat "$sandbox/app.log" >&2
+    exit 1
+fi
+echo "Ctrl+F put \"ninjago\" into the theme browser's search; the browser stayed on show."
