@@ -69,6 +69,8 @@ private Q_SLOTS:
         for (const QString &library : {u"libc6 (>= "_s, u"libqt6core6 (>= "_s, u"libqt6widgets6 (>= "_s,
                                        u"libsqlite3-0 (>= "_s, u"zlib1g (>= "_s})
             QVERIFY2(depends.captured(1).contains(library), qPrintable(library + u" not in: "_s + depends.captured(1)));
+        // And the SVG icon engine, which Qt loads at run time for the bundled icon theme.
+        QVERIFY2(depends.captured(1).contains(u"libqt6svg6"_s), qPrintable(depends.captured(1)));
         QVERIFY2(text.contains(u" Package: tessaloom\n"_s), qPrintable(text));
     }
 
