@@ -7,19 +7,8 @@ set -euo pipefail
 binary=$1
 screenshot=$2
 
-sandbox=$(mktemp -d)
-trap 'rm -rf "$sandbox"' EXIT
-export HOME=$sandbox/home XDG_CONFIG_HOME=$sandbox/config XDG_DATA_HOME=$sandbox/data XDG_CACHE_HOME=$sandbox/cache
-mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME"
-unset QT_QPA_PLATFORM WAYLAND_DISPLAY
-# Every outside service points at a closed port of this machine: the program's daily
-# catalog check and any picture or update request fail at once instead of leaving it.
-endpoints=()
-for service in rebrickable bricklink bricklinkImages brickeconomy brickset brickowl ebay rapidapi lego updates; do
-    endpoints+=("$service=http://127.0.0.1:9")
-done
-TESSALOOM_ENDPOINTS=$(IFS=';'; echo "${endpoints[*]}")
-export TESSALOOM_ENDPOINTS
+# shellcheck source=end-to-end-sandbox.sh
+source "$(dirname "${BASH_SOURCE[0]}")/end-to-end-sandbox.sh"
 
 # shellcheck disable=SC2016
 xvfb-run --auto-servernum --server-args="-screen 0 1400x900x24" bash -c '

@@ -12,17 +12,9 @@ for tool in xvfb-run xdotool openbox; do
     command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
 done
 
-sandbox=$(mktemp -d)
-trap 'rm -rf "$sandbox"' EXIT
-export HOME=$sandbox/home XDG_CONFIG_HOME=$sandbox/config XDG_DATA_HOME=$sandbox/data XDG_CACHE_HOME=$sandbox/cache
-mkdir -p "$HOME" "$XDG_CONFIG_HOME/Tessaloom" "$XDG_DATA_HOME" "$XDG_CACHE_HOME"
-unset QT_QPA_PLATFORM WAYLAND_DISPLAY
-endpoints=()
-for service in rebrickable bricklink bricklinkImages brickeconomy brickset brickowl ebay rapidapi lego updates; do
-    endpoints+=("$service=http://127.0.0.1:9")
-done
-TESSALOOM_ENDPOINTS=$(IFS=';'; echo "${endpoints[*]}")
-export TESSALOOM_ENDPOINTS
+# shellcheck source=end-to-end-sandbox.sh
+source "$(dirname "${BASH_SOURCE[0]}")/end-to-end-sandbox.sh"
+mkdir -p "$XDG_CONFIG_HOME/Tessaloom"
 settings=$XDG_CONFIG_HOME/Tessaloom/Tessaloom.conf
 # The window opens on the theme browser ("All Themes"), as it does after a visit there.
 printf '[General]\nsidebar.lastSelectedItem=catalog_all_themes\n' > "$settings"
