@@ -8,7 +8,7 @@
 set -euo pipefail
 binary=$1
 
-for tool in xvfb-run xdotool openbox; do
+for tool in xvfb-run xdotool xprop xwininfo openbox; do
     command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
 done
 
@@ -23,10 +23,22 @@ printf '[General]\nsidebar.lastSelectedItem=catalog_all_themes\n' > "$settings"
 xvfb-run --auto-servernum --server-args="-screen 0 1400x900x24" bash -c '
     set -euo pipefail
     openbox > "$2/openbox.log" 2>&1 &
+    # The window manager first: a window mapped while openbox is still starting can be
+    # caught in its take-over of existing windows and stay unmapped.
+    for _ in $(seq 200); do
+        xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id" && break
+        sleep 0.1
+    done
+    if ! xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id"; then
+        echo "openbox did not start within 20 seconds." >&2
+        cat "$2/openbox.log" >&2
+        exit 1
+    fi
     "$1" > "$2/app.log" 2>&1 &
     app=$!
     if ! window=$(timeout 60 xdotool search --sync --onlyvisible --name "^Tessaloom$" | head -n 1); then
-        echo "The main window did not appear within 60 seconds." >&2
+        echo "The main window did not appear within 60 seconds. Windows on the screen:" >&2
+        xwininfo -root -tree 2>&1 | grep -v "has no name" | head -40 >&2 || true
         cat "$2/app.log" >&2
         kill "$app" 2>/dev/null || true
         exit 1
