@@ -13,9 +13,9 @@
 #include "Services/KeychainService.h"
 #include "Services/PricingProviderRegistry.h"
 #include "TaskOutcome.h"
+#include "SecretFileSearch.h"
 #include "TestEnvironment.h"
 
-#include <QDirIterator>
 #include <QFile>
 #include <QLoggingCategory>
 #include <QTest>
@@ -41,29 +41,6 @@ QCoro::Task<QList<PriceResult>> queryTask(PricingProviderRegistry &registry)
     if (!provider)
         throw PricingProviderError::missingCredentials(u"BrickEconomy"_s);
     co_return co_await provider->fetchPrices(setNumber);
-}
-
-// The files under `folder` whose bytes hold the key in UTF-8, UTF-16 or Latin-1.
-QStringList filesHoldingKey(const QString &folder)
-{
-    const QList<QByteArray> forms{apiKey.toUtf8(),
-                                  QByteArray(reinterpret_cast<const char *>(apiKey.utf16()), apiKey.size() * 2),
-                                  apiKey.toLatin1()};
-    QStringList holding;
-    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        QFile file(files.next());
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray bytes = file.readAll();
-        for (const QByteArray &form : forms) {
-            if (bytes.contains(form)) {
-                holding << file.fileName();
-                break;
-            }
-        }
-    }
-    return holding;
 }
 
 } // namespace
@@ -122,7 +99,7 @@ private Q_SLOTS:
         QVERIFY(log.indexOfMessageStartingWith(u"Credential leak check"_s) >= 0);
         for (const QString &line : log.messages())
             QVERIFY2(!line.contains(apiKey), qPrintable(u"A log line holds the key: "_s + line));
-        const QStringList holding = filesHoldingKey(m_home);
+        const QStringList holding = SecretFileSearch::filesHolding(m_home, apiKey);
         QVERIFY2(holding.isEmpty(), qPrintable(u"Files holding the key: "_s + holding.join(u", "_s)));
     }
 };

@@ -15,6 +15,7 @@
 #include "Services/CatalogDatabaseService.h"
 #include "Services/ImageCacheService.h"
 #include "Store/PersistenceController.h"
+#include "SecretFileSearch.h"
 #include "TestEnvironment.h"
 #include "ViewModels/SettingsViewModel.h"
 #include "Views/APIKeysSettingsTab.h"
@@ -23,7 +24,6 @@
 #include "Views/TranslationLoader.h"
 
 #include <QApplication>
-#include <QDirIterator>
 #include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -41,28 +41,6 @@ namespace {
 // Distinctive, and with characters outside ASCII so that its UTF-8 and UTF-16 forms differ.
 const QString apiKey = u"settings-Schlüssel-5e1b77aa-Ключ-93c0ffee"_s;
 const QString tokenKey = u"pricing.brickeconomy.api_token"_s;
-
-QStringList filesHoldingKey(const QString &folder)
-{
-    const QList<QByteArray> forms{apiKey.toUtf8(),
-                                  QByteArray(reinterpret_cast<const char *>(apiKey.utf16()), apiKey.size() * 2),
-                                  apiKey.toLatin1()};
-    QStringList holding;
-    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        QFile file(files.next());
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray bytes = file.readAll();
-        for (const QByteArray &form : forms) {
-            if (bytes.contains(form)) {
-                holding << file.fileName();
-                break;
-            }
-        }
-    }
-    return holding;
-}
 
 // Types `text` key by key, as a keyboard would; QTest::keyClicks takes ASCII only.
 void typeInto(QWidget *field, const QString &text)
@@ -161,7 +139,7 @@ private Q_SLOTS:
         for (const QString &line : log.messages())
             QVERIFY2(!line.contains(apiKey), qPrintable(u"A log line holds the key: "_s + line));
         for (const QString &folder : {m_home, root}) {
-            const QStringList holding = filesHoldingKey(folder);
+            const QStringList holding = SecretFileSearch::filesHolding(folder, apiKey);
             QVERIFY2(holding.isEmpty(), qPrintable(u"Files holding the key: "_s + holding.join(u", "_s)));
         }
     }
