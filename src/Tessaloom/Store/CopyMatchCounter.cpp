@@ -12,10 +12,10 @@ CopyMatchCounter::CopyMatchCounter(ManagedObjectContext &context, QList<Predicat
     , m_counts(m_predicates.size(), 0)
 {
     Q_ASSERT(m_predicates.size() <= 64);
-    m_entitiesRead = entitiesRead();
+    m_entitiesRead = readEntities();
 }
 
-QSet<EntityType> CopyMatchCounter::entitiesRead() const
+QSet<EntityType> CopyMatchCounter::readEntities() const
 {
     QSet<EntityType> entities{EntityType::BrickSet};
     for (const Predicate &predicate : m_predicates) {

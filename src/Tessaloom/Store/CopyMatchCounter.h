@@ -32,10 +32,12 @@ public:
 
     // How many copies match predicates[index].
     qint64 count(qsizetype index) const { return m_counts.value(index); }
+    // The entities the predicates read: the commits that touch none of them change nothing.
+    const QSet<EntityType> &entitiesRead() const { return m_entitiesRead; }
 
 private:
     void add(quint64 matches, int sign);
-    QSet<EntityType> entitiesRead() const;
+    QSet<EntityType> readEntities() const;
 
     ManagedObjectContext &m_context;
     QList<Predicate> m_predicates;

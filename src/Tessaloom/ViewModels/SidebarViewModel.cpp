@@ -78,10 +78,9 @@ SidebarViewModel::SidebarViewModel(ManagedObjectContext &viewContext, CatalogDat
         m_copyKinds.append(kind);
         copyPredicates.append(badgePredicate(kind, m_createdAt));
     }
-    QSet<EntityType> observed{EntityType::WishlistItem};
-    for (const Predicate &predicate : std::as_const(copyPredicates))
-        observed.unite(StoreObserver::entitiesRead(FetchRequest<BrickSet>(predicate)));
     m_copyCounter = std::make_unique<CopyMatchCounter>(viewContext, std::move(copyPredicates));
+    QSet<EntityType> observed = m_copyCounter->entitiesRead();
+    observed.insert(EntityType::WishlistItem);
     m_storeObserver = new StoreObserver(viewContext.container(), observed, this);
     connect(m_storeObserver, &StoreObserver::changed, this, [this](const StoreChanges &changes) { recount(&changes); });
     recount(nullptr);
