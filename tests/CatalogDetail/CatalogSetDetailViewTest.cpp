@@ -524,6 +524,40 @@ private Q_SLOTS:
         QCOMPARE(server.requestCount(u"/media/sets/75192-1.jpg"_s), 1);
     }
 
+    // The detail opens with the set's picture at the top, across the column: a large
+    // stand-in while none is known, the set's own picture scaled into it once it is.
+    void pictureSitsAtTheTopAcrossTheColumnAndFillsItOnceKnown()
+    {
+        auto placement = [this] {
+            QWidget *picture = view().picture();
+            return QRect(picture->mapTo(&view(), QPoint(0, 0)), picture->size());
+        };
+        CatalogSetResult unknown = falcon();
+        unknown.imgURL.reset();
+        view().showCatalogSet(unknown);
+        const QRect standIn = placement();
+        QVERIFY2(standIn.top() <= 24, qPrintable(u"top %1"_s.arg(standIn.top())));
+        QVERIFY(standIn.width() >= view().width() - 60);
+        QVERIFY(standIn.height() >= 240);
+
+        LoopbackHttpServer server;
+        QVERIFY(server.listen());
+        const QColor brick(0, 90, 170);
+        server.serveBytes(u"/media/sets/75192-1.jpg"_s, TestPictures::png(QSize(1200, 900), brick));
+        QTemporaryDir caches;
+        ImageCacheService pictures(caches.path());
+        CatalogSetResult known = falcon();
+        known.imgURL = server.url(u"/media/sets/75192-1.jpg"_s).toString();
+        view().setImageCache(&pictures);
+        view().showCatalogSet(known);
+        QTRY_COMPARE(view().picture()->phase(), CachedAsyncImage::Phase::success);
+        QCOMPARE(placement(), standIn);
+        // Scaled to the stand-in's height: the middle of the area is the picture's colour.
+        const QImage shown = view().picture()->grab().toImage();
+        QCOMPARE(shown.pixelColor(shown.width() / 2, shown.height() / 2), brick);
+        QCOMPARE(shown.pixelColor(shown.width() / 2, 2), brick);
+    }
+
     void spaceOnTheFocusedPictureOpensThePreview()
     {
         view().activateWindow();

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "../ImageCache/TestPictures.h"
 #include "../Store/StoreFixtures.h"
 #include "CatalogFixture.h"
 #include "HeldSync.h"
+#include "LoopbackHttpServer.h"
 #include "TestEnvironment.h"
 
 #include "Endpoints.h"
@@ -551,6 +553,31 @@ private Q_SLOTS:
         view.inventoryTab()->partsChecklistButton()->click();
         QCOMPARE(requested.size(), 1);
         QCOMPARE(requested.first().first().toUrl(), copy.objectID.uriRepresentation());
+    }
+
+    // A tall picture is scaled into the overview's picture area, which keeps its height
+    // and its place at the top, above the facts.
+    void aTallPictureIsScaledIntoTheOverviewsPictureArea()
+    {
+        LoopbackHttpServer server;
+        QVERIFY(server.listen());
+        const QColor brick(0, 90, 170);
+        server.serveBytes(u"/media/sets/75192-1.jpg"_s, TestPictures::png(QSize(900, 1400), brick));
+        CatalogSet set = savedSet(u"75192-1"_s, u"Millennium Falcon"_s, 2017);
+        set.imageURL = server.url(u"/media/sets/75192-1.jpg"_s).toString();
+        context().update(set);
+        context().save();
+        SetDetailView &view = show(saveCopy(context(), set.objectID));
+        view.setImageCache(m_pictures.get());
+        OverviewTab &overview = *view.overviewTab();
+        CachedAsyncImage *picture = overview.picture();
+        QTRY_COMPARE(picture->phase(), CachedAsyncImage::Phase::success);
+        QCOMPARE(picture->height(), 240);
+        QVERIFY(picture->width() >= overview.width() - 60);
+        QVERIFY(picture->mapTo(&overview, QPoint(0, 0)).y() <= 24);
+        const QImage shown = picture->grab().toImage();
+        QCOMPARE(shown.pixelColor(shown.width() / 2, 2), brick);
+        QCOMPARE(shown.pixelColor(shown.width() / 2, shown.height() - 3), brick);
     }
 
     void partsTabListsTheSetsInventoryFromTheCatalog()

@@ -120,7 +120,9 @@ void CatalogSetDetailView::buildLayout()
 
     // 1. The picture; a click, or Space while it has the focus, opens the large preview.
     m_picture->setObjectName(u"setImage"_s);
-    m_picture->setMinimumHeight(pictureHeight);
+    // A fixed height: a set's picture, often a thousand pixels tall, is scaled into the
+    // area rather than pushing the facts below it out of sight.
+    m_picture->setFixedHeight(pictureHeight);
     m_picture->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_picture->setFocusPolicy(Qt::StrongFocus);
     m_picture->setCursor(Qt::PointingHandCursor);

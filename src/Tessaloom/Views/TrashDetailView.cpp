@@ -56,7 +56,9 @@ TrashDetailView::TrashDetailView(ManagedObjectContext &viewContext, CollectionTr
     m_title->setFont(titleFont);
     layout->addWidget(m_title);
 
-    m_picture->setMinimumHeight(pictureHeight);
+    // A fixed height: a set's picture, often a thousand pixels tall, is scaled into the
+    // area rather than pushing the facts below it out of sight.
+    m_picture->setFixedHeight(pictureHeight);
     m_picture->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     layout->addWidget(m_picture);
 
