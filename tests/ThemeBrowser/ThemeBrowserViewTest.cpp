@@ -3,6 +3,7 @@
 #include "Services/RebrickableCatalog.h"
 #include "TestEnvironment.h"
 #include "ViewModels/FlatThemeTableModel.h"
+#include "Views/FillingColumnFitter.h"
 #include "Views/ThemeBrowserView.h"
 #include "Views/TranslationLoader.h"
 
@@ -10,6 +11,8 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLineEdit>
+#include <QScrollBar>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
@@ -67,6 +70,7 @@ private Q_SLOTS:
 
     void init()
     {
+        QSettings().remove(u"themeBrowser.columnWidths"_s);
         RebrickableCatalog::replaceShared(m_catalog);
     }
 
@@ -125,6 +129,8 @@ private Q_SLOTS:
         QCOMPARE(model->headerData(3, Qt::Horizontal).toString(), u"Last Year"_s);
     }
 
+    // The numbers start at their ideal widths; the theme starts at its own and takes
+    // whatever more the table has.
     void columnsStartAtTheirIdealWidthsAndKeepTheirLeastWidths()
     {
         ThemeBrowserView view;
@@ -136,10 +142,80 @@ private Q_SLOTS:
         for (int column = 0; column < 4; ++column) {
             QCOMPARE(ThemeBrowserView::columnWidth(column).least, widths.at(column).first);
             QCOMPARE(ThemeBrowserView::columnWidth(column).ideal, widths.at(column).second);
-            QCOMPARE(header->sectionSize(column), widths.at(column).second);
+            if (column == FlatThemeTableModel::ThemeColumn)
+                QVERIFY(header->sectionSize(column) >= widths.at(column).second);
+            else
+                QCOMPARE(header->sectionSize(column), widths.at(column).second);
+        }
+        for (int column = 0; column < 4; ++column) {
             header->resizeSection(column, 10);
             QCOMPARE(header->sectionSize(column), widths.at(column).first);
         }
+    }
+
+    void themeColumnFillsTheTableAndGivesWayDownToItsLeastWidth()
+    {
+        ThemeBrowserView view;
+        view.resize(900, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QTableView *table = view.tableView();
+        QHeaderView *header = table->horizontalHeader();
+        QVERIFY(view.columnFitter()->isFilling());
+        QCOMPARE(header->length(), table->viewport()->width());
+        QCOMPARE(header->sectionSize(FlatThemeTableModel::SetsColumn), 60);
+        QVERIFY(header->sectionSize(FlatThemeTableModel::ThemeColumn) > 350);
+
+        view.resize(1300, 400);
+        QTRY_COMPARE(header->length(), table->viewport()->width());
+
+        // Narrower than the least widths together: the theme stops at 200 and the table
+        // scrolls sideways rather than squeezing the numbers.
+        view.resize(300, 400);
+        QTRY_COMPARE(header->sectionSize(FlatThemeTableModel::ThemeColumn), 200);
+        QCOMPARE(header->sectionSize(FlatThemeTableModel::MaxYearColumn), 65);
+        QVERIFY(table->horizontalScrollBar()->maximum() > 0);
+    }
+
+    void draggingANumberColumnTakesItsWidthFromTheThemeColumn()
+    {
+        ThemeBrowserView view;
+        view.resize(900, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QHeaderView *header = view.tableView()->horizontalHeader();
+        const int theme = header->sectionSize(FlatThemeTableModel::ThemeColumn);
+        header->resizeSection(FlatThemeTableModel::SetsColumn, 120);
+        QCOMPARE(header->sectionSize(FlatThemeTableModel::ThemeColumn), theme - 60);
+        QCOMPARE(header->length(), view.tableView()->viewport()->width());
+        QVERIFY(view.columnFitter()->isFilling());
+    }
+
+    void theUsersWidthsComeBackInTheNextBrowser()
+    {
+        {
+            ThemeBrowserView view;
+            view.resize(900, 400);
+            view.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&view));
+            QHeaderView *header = view.tableView()->horizontalHeader();
+            header->resizeSection(FlatThemeTableModel::SetsColumn, 90);
+            header->resizeSection(FlatThemeTableModel::ThemeColumn, 260);
+            QVERIFY(!view.columnFitter()->isFilling());
+            // Once the user has set it, the theme's width no longer follows the table.
+            view.resize(1200, 400);
+            QTest::qWait(50);
+            QCOMPARE(header->sectionSize(FlatThemeTableModel::ThemeColumn), 260);
+        }
+        ThemeBrowserView view;
+        view.resize(700, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QHeaderView *header = view.tableView()->horizontalHeader();
+        QVERIFY(!view.columnFitter()->isFilling());
+        QCOMPARE(header->sectionSize(FlatThemeTableModel::ThemeColumn), 260);
+        QCOMPARE(header->sectionSize(FlatThemeTableModel::SetsColumn), 90);
+        QCOMPARE(header->sectionSize(FlatThemeTableModel::MinYearColumn), 65);
     }
 
     void tableSelectsOneWholeRow()

@@ -3,6 +3,7 @@
 
 #include "Services/RebrickableCatalog.h"
 #include "ViewModels/FlatThemeTableModel.h"
+#include "Views/FillingColumnFitter.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -139,6 +140,10 @@ void ThemeBrowserView::configureColumns()
     // QHeaderView has one least width for all sections; each column's own is kept here.
     connect(header, &QHeaderView::sectionResized, this,
             [this](int column, int, int newSize) { keepLeastWidth(column, newSize); });
+    // The theme's path takes the width the numbers leave, down to its least width.
+    m_columnFitter = new FillingColumnFitter(*m_tableView, FlatThemeTableModel::ThemeColumn,
+                                             columnWidth(FlatThemeTableModel::ThemeColumn).least,
+                                             u"themeBrowser.columnWidths"_s);
 
     // No sort indicator at first: the rows stay in the catalog's order until a header is
     // clicked, and a third click on the same header returns to it.

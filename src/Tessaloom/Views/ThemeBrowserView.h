@@ -5,6 +5,7 @@
 
 #include <optional>
 
+class FillingColumnFitter;
 class FlatThemeTableModel;
 class QLabel;
 class QLineEdit;
@@ -14,6 +15,9 @@ class QTableView;
 // set count and years, narrowed by a search field that also understands a year ("1990"
 // keeps the themes active in 1990). Selecting a theme leads the window to that theme's sets
 // through themeSelected().
+//
+// The theme column takes the width the others leave (FillingColumnFitter); the user's
+// column widths are kept under "themeBrowser.columnWidths".
 //
 // The themes are read from the process-wide catalog each time the view is shown, so a
 // catalog built while it was hidden appears on the next visit; without a catalog the table
@@ -44,6 +48,7 @@ public:
     FlatThemeTableModel *model() const { return m_model; }
     QLineEdit *searchField() const { return m_searchField; }
     QTableView *tableView() const { return m_tableView; }
+    FillingColumnFitter *columnFitter() const { return m_columnFitter; }
 
 public Q_SLOTS:
     // Reads the themes from the process-wide catalog again (it is loaded if nobody has
@@ -73,6 +78,7 @@ private:
     QLabel *m_title;
     QLineEdit *m_searchField;
     QTableView *m_tableView;
+    FillingColumnFitter *m_columnFitter = nullptr;
     std::optional<int> m_selectedThemeID;
     bool m_restoringSelection = false;
 };
