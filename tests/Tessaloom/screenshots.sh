@@ -80,7 +80,7 @@ xvfb-run --auto-servernum --server-args="-screen 0 ${width}x${height}x24" bash -
             sleep 0.4
         done
         sleep 1.5 # the chosen set'"'"'s detail, and its picture given up on
-        import -window root "$output/$name.png"
+        import -window root -strip "$output/$name.png"
         xdotool key --clearmodifiers ctrl+q
         for _ in $(seq 50); do kill -0 "$app" 2>/dev/null || break; sleep 0.2; done
         if kill -0 "$app" 2>/dev/null; then
