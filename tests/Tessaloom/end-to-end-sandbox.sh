@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
+# shellcheck shell=bash
 # Sourced by the end-to-end scripts before they start the program: an empty temporary
 # HOME with its XDG folders ($sandbox, removed on exit), the X11 platform rather than
 # offscreen or Wayland, and every outside service pointed at a closed port of this

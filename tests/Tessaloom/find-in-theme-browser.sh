@@ -22,27 +22,12 @@ printf '[General]\nsidebar.lastSelectedItem=catalog_all_themes\n' > "$settings"
 # shellcheck disable=SC2016
 xvfb-run --auto-servernum --server-args="-screen 0 1400x900x24" bash -c '
     set -euo pipefail
-    openbox > "$2/openbox.log" 2>&1 &
-    # The window manager first: a window mapped while openbox is still starting can be
-    # caught in its take-over of existing windows and stay unmapped.
-    for _ in $(seq 200); do
-        xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id" && break
-        sleep 0.1
-    done
-    if ! xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id"; then
-        echo "openbox did not start within 20 seconds." >&2
-        cat "$2/openbox.log" >&2
-        exit 1
-    fi
+    # shellcheck source=end-to-end-desktop.sh
+    source "$3"
+    start_window_manager "$2/openbox.log"
     "$1" > "$2/app.log" 2>&1 &
     app=$!
-    if ! window=$(timeout 60 xdotool search --sync --onlyvisible --name "^Tessaloom$" | head -n 1); then
-        echo "The main window did not appear within 60 seconds. Windows on the screen:" >&2
-        xwininfo -root -tree 2>&1 | grep -v "has no name" | head -40 >&2 || true
-        cat "$2/app.log" >&2
-        kill "$app" 2>/dev/null || true
-        exit 1
-    fi
+    window=$(find_main_window "$app" "$2/app.log")
     # Keys go to the focused window: wait until the window manager has given it the focus,
     # then a moment for the first frame (the first start also reads fonts and icons).
     xdotool windowactivate --sync "$window" || true
@@ -60,14 +45,8 @@ xvfb-run --auto-servernum --server-args="-screen 0 1400x900x24" bash -c '
     sleep 0.3
     xdotool type --delay 40 ninjago
     sleep 1
-    xdotool key --clearmodifiers ctrl+q
-    for _ in $(seq 50); do kill -0 "$app" 2>/dev/null || break; sleep 0.2; done
-    if kill -0 "$app" 2>/dev/null; then
-        echo "The program did not quit on Ctrl+Q." >&2
-        kill "$app"
-        exit 1
-    fi
-' _ "$binary" "$sandbox"
+    quit_with_ctrl_q "$app"
+' _ "$binary" "$sandbox" "$(dirname "${BASH_SOURCE[0]}")/end-to-end-desktop.sh"
 
 search=$(sed -n 's/^themeBrowser.searchText=//p' "$settings")
 selected=$(sed -n 's/^sidebar.lastSelectedItem=//p' "$settings")

@@ -35,16 +35,12 @@ height=900
 # shellcheck disable=SC2016
 xvfb-run --auto-servernum --server-args="-screen 0 ${width}x${height}x24" bash -c '
     set -euo pipefail
-    binary=$1 output=$2 sandbox=$3 width=$4 height=$5
+    binary=$1 output=$2 sandbox=$3 width=$4 height=$5 desktop=$6
     settings=$XDG_CONFIG_HOME/Tessaloom/Tessaloom.conf
 
-    openbox > "$sandbox/openbox.log" 2>&1 &
-    for _ in $(seq 200); do
-        xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id" && break
-        sleep 0.1
-    done
-    xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id" \
-        || { echo "openbox did not start within 20 seconds." >&2; cat "$sandbox/openbox.log" >&2; exit 1; }
+    # shellcheck source=end-to-end-desktop.sh
+    source "$desktop"
+    start_window_manager "$sandbox/openbox.log"
 
     # shoot NAME SIDEBAR_ITEM GRID KEYS...: starts the program on SIDEBAR_ITEM in grid
     # (true) or table (false) form, lets the window fill the screen, sends KEYS (xdotool
@@ -55,12 +51,7 @@ xvfb-run --auto-servernum --server-args="-screen 0 ${width}x${height}x24" bash -
         printf "[General]\nsidebar.lastSelectedItem=%s\ncollectionIsGridView=%s\n" "$item" "$grid" > "$settings"
         "$binary" > "$sandbox/$name.log" 2>&1 &
         local app=$! window
-        if ! window=$(timeout 60 xdotool search --sync --onlyvisible --name "^Tessaloom$" | head -n 1); then
-            echo "$name: the main window did not appear within 60 seconds." >&2
-            cat "$sandbox/$name.log" >&2
-            kill "$app" 2>/dev/null || true
-            return 1
-        fi
+        window=$(find_main_window "$app" "$sandbox/$name.log") || { echo "while taking $name.png" >&2; return 1; }
         # The whole screen less the frame openbox draws around the window.
         local extents left right top bottom
         for _ in $(seq 50); do
@@ -81,13 +72,7 @@ xvfb-run --auto-servernum --server-args="-screen 0 ${width}x${height}x24" bash -
         done
         sleep 1.5 # the chosen set'"'"'s detail, and its picture given up on
         import -window root -strip "$output/$name.png"
-        xdotool key --clearmodifiers ctrl+q
-        for _ in $(seq 50); do kill -0 "$app" 2>/dev/null || break; sleep 0.2; done
-        if kill -0 "$app" 2>/dev/null; then
-            echo "$name: the program did not quit on Ctrl+Q." >&2
-            kill "$app"
-            return 1
-        fi
+        quit_with_ctrl_q "$app" || { echo "after taking $name.png" >&2; return 1; }
     }
 
     # The places clicked are those of the first grid cell and of the "Hogwarts Castle" row
@@ -103,7 +88,7 @@ xvfb-run --auto-servernum --server-args="-screen 0 ${width}x${height}x24" bash -
     # keyboard (Ctrl+Q then goes to it).
     shoot catalog-setup all_sets true \
         "search --sync --onlyvisible --name ^LEGO.Catalog windowactivate --sync %1 windowmove %1 510 260"
-' _ "$binary" "$output" "$sandbox" "$width" "$height"
+' _ "$binary" "$output" "$sandbox" "$width" "$height" "$(dirname "${BASH_SOURCE[0]}")/end-to-end-desktop.sh"
 
 # Four pictures of the whole screen, each different from the others.
 for name in collection-grid catalog-table theme-browser catalog-setup; do
