@@ -67,7 +67,7 @@ xvfb-run --auto-servernum --server-args="-screen 0 ${width}x${height}x24" bash -
         local step
         for step in "$@"; do
             # shellcheck disable=SC2086
-            xdotool $step
+            timeout 30 xdotool $step || { echo "$name: xdotool $step failed or found nothing in 30 seconds." >&2; kill "$app"; return 1; }
             sleep 0.4
         done
         sleep 1.5 # the chosen set'"'"'s detail, and its picture given up on
