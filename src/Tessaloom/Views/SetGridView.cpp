@@ -3,6 +3,10 @@
 
 #include "Views/SetGridCellPainter.h"
 
+#include <QResizeEvent>
+
+#include <algorithm>
+
 namespace {
 constexpr int cellSpacing = 8;
 }
@@ -17,10 +21,35 @@ SetGridView::SetGridView(QWidget *parent)
     setMovement(QListView::Static);
     // All cells are alike: the view lays out a thousand of them without asking each.
     setUniformItemSizes(true);
-    setGridSize(SetGridCellPainter::cellSize() + QSize(cellSpacing, cellSpacing));
+    setGridSize(leastGridSize());
     setSelectionMode(QAbstractItemView::SingleSelection);
     setSelectionRectVisible(false);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setMouseTracking(true);
+}
+
+QSize SetGridView::leastGridSize()
+{
+    return SetGridCellPainter::cellSize() + QSize(cellSpacing, cellSpacing);
+}
+
+void SetGridView::resizeEvent(QResizeEvent *event)
+{
+    spreadCellsOverTheWidth();
+    QListView::resizeEvent(event);
+}
+
+// The cells of a row divide the width among themselves; the spare pixels of the division,
+// fewer than the number of columns, stay at the right.
+void SetGridView::spreadCellsOverTheWidth()
+{
+    const QSize least = leastGridSize();
+    const int width = viewport()->width();
+    const int columns = std::max(1, (width - 1) / least.width());
+    // One pixel short of the whole width: a row exactly as wide as the view wraps its last
+    // cell.
+    const QSize spread(std::max(least.width(), (width - 1) / columns), least.height());
+    if (gridSize() != spread)
+        setGridSize(spread);
 }
