@@ -114,6 +114,27 @@ private:
         return context().fetch(FetchRequest<WishlistItem>(Predicate::equal(u"setNumber"_s, number)));
     }
 
+    // The Falcon with its picture served over 127.0.0.1 and fetched through an image cache
+    // of its own, shown in the view.
+    struct ServedPicture
+    {
+        LoopbackHttpServer server;
+        QTemporaryDir caches;
+        std::unique_ptr<ImageCacheService> pictures;
+    };
+    bool showFalconWithPicture(ServedPicture &served, const QByteArray &picture)
+    {
+        if (!served.server.listen())
+            return false;
+        served.server.serveBytes(u"/media/sets/75192-1.jpg"_s, picture);
+        served.pictures = std::make_unique<ImageCacheService>(served.caches.path());
+        CatalogSetResult set = falcon();
+        set.imgURL = served.server.url(u"/media/sets/75192-1.jpg"_s).toString();
+        view().setImageCache(served.pictures.get());
+        view().showCatalogSet(set);
+        return true;
+    }
+
     // The call made last, of booklet lookups and held syncs together.
     int lastCall() const { return int(m_lookups.calls.size()) - 1; }
 
@@ -499,15 +520,8 @@ private Q_SLOTS:
 
     void pictureComesThroughTheImageCacheAndAClickOpensThePreview()
     {
-        LoopbackHttpServer server;
-        QVERIFY(server.listen());
-        server.serveBytes(u"/media/sets/75192-1.jpg"_s, TestPictures::png(QSize(320, 240)));
-        QTemporaryDir caches;
-        ImageCacheService pictures(caches.path());
-        CatalogSetResult set = falcon();
-        set.imgURL = server.url(u"/media/sets/75192-1.jpg"_s).toString();
-        view().setImageCache(&pictures);
-        view().showCatalogSet(set);
+        ServedPicture served;
+        QVERIFY(showFalconWithPicture(served, TestPictures::png(QSize(320, 240))));
         QTRY_COMPARE(view().picture()->phase(), CachedAsyncImage::Phase::success);
         QCOMPARE(view().picture()->image().size(), QSize(320, 240));
 
@@ -521,7 +535,7 @@ private Q_SLOTS:
         QTest::keyClick(preview, Qt::Key_Escape);
         QVERIFY(!preview->isVisible());
         QVERIFY(!view().showImagePreview());
-        QCOMPARE(server.requestCount(u"/media/sets/75192-1.jpg"_s), 1);
+        QCOMPARE(served.server.requestCount(u"/media/sets/75192-1.jpg"_s), 1);
     }
 
     // The detail opens with the set's picture at the top, across the column: a large
@@ -540,16 +554,9 @@ private Q_SLOTS:
         QVERIFY(standIn.width() >= view().width() - 60);
         QVERIFY(standIn.height() >= 240);
 
-        LoopbackHttpServer server;
-        QVERIFY(server.listen());
         const QColor brick(0, 90, 170);
-        server.serveBytes(u"/media/sets/75192-1.jpg"_s, TestPictures::png(QSize(1200, 900), brick));
-        QTemporaryDir caches;
-        ImageCacheService pictures(caches.path());
-        CatalogSetResult known = falcon();
-        known.imgURL = server.url(u"/media/sets/75192-1.jpg"_s).toString();
-        view().setImageCache(&pictures);
-        view().showCatalogSet(known);
+        ServedPicture served;
+        QVERIFY(showFalconWithPicture(served, TestPictures::png(QSize(1200, 900), brick)));
         QTRY_COMPARE(view().picture()->phase(), CachedAsyncImage::Phase::success);
         QCOMPARE(placement(), standIn);
         // Scaled to the stand-in's height: the middle of the area is the picture's colour.
