@@ -414,6 +414,49 @@ private Q_SLOTS:
         QCOMPARE(started.count(), 1);
     }
 
+    // Down in the search field goes on to the results: the keyboard moves into the list on
+    // show and its first row is chosen, in the grid and in the table alike.
+    void downInTheSearchFieldChoosesTheFirstResult()
+    {
+        showView();
+        selectCatalog();
+        QTest::keyClicks(view().searchField(), u"castle"_s);
+        QTRY_COMPARE(view().catalogGrid()->model()->rowCount(), 2);
+        QSignalSpy chosen(&view(), &SetListView::catalogSetSelected);
+        QTest::keyClick(view().searchField(), Qt::Key_Down);
+        QCOMPARE(QApplication::focusWidget(), view().catalogGrid());
+        QCOMPARE(chosen.count(), 1);
+        QCOMPARE(chosen.last().at(0).value<std::optional<CatalogSetResult>>()->setNum, u"6080-1"_s);
+        // The arrows go on from the chosen cell.
+        QTest::keyClick(view().catalogGrid(), Qt::Key_Right);
+        QCOMPARE(chosen.last().at(0).value<std::optional<CatalogSetResult>>()->setNum, u"10305-1"_s);
+
+        // A row already chosen stays chosen; the table takes the keyboard just the same.
+        model().setGridView(false);
+        QTRY_COMPARE(view().currentList(), view().catalogTable());
+        view().searchField()->setFocus();
+        QTest::keyClick(view().searchField(), Qt::Key_Down);
+        QCOMPARE(QApplication::focusWidget(), view().catalogTable());
+        QCOMPARE(chosen.last().at(0).value<std::optional<CatalogSetResult>>()->setNum, u"10305-1"_s);
+    }
+
+    void downInTheSearchFieldOfAnEmptyListStaysInTheField()
+    {
+        showView();
+        QCOMPARE(view().currentList(), view().copiesEmptyState());
+        view().searchField()->setFocus();
+        QTest::keyClick(view().searchField(), Qt::Key_Down);
+        QCOMPARE(QApplication::focusWidget(), view().searchField());
+
+        addCopy(m_castle.objectID);
+        QTRY_COMPARE(view().currentList(), view().copiesGrid());
+        QSignalSpy chosen(&view(), &SetListView::brickSetSelected);
+        QTest::keyClick(view().searchField(), Qt::Key_Down);
+        QCOMPARE(QApplication::focusWidget(), view().copiesGrid());
+        QCOMPARE(chosen.count(), 1);
+        QVERIFY(chosen.last().at(0).value<std::optional<ObjectID>>().has_value());
+    }
+
     void aCatalogSearchWithoutMatchesSaysSoWithTheText()
     {
         showView();

@@ -19,7 +19,9 @@
 
 #include <QAction>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
@@ -154,6 +156,7 @@ void SetListView::buildBar()
         m_searchField->setFocus(Qt::ShortcutFocusReason);
         m_searchField->selectAll();
     });
+    m_searchField->installEventFilter(this);
 
     // The picker between grid and table: two exclusive buttons.
     //% "View"
@@ -281,6 +284,39 @@ void SetListView::setSidebarSelection(const std::optional<SidebarItem> &item)
 QWidget *SetListView::currentList() const
 {
     return m_lists->currentWidget();
+}
+
+bool SetListView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_searchField && event->type() == QEvent::KeyPress) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->key() == Qt::Key_Down && key->modifiers() == Qt::NoModifier && moveIntoList())
+            return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+// From the search field to the results, as in a file manager: the keyboard goes to the
+// grid or table on show, and its first row is chosen when none is, so the arrows go on
+// from there. An empty list or an empty state leaves the Down key to the field.
+bool SetListView::moveIntoList()
+{
+    auto *list = qobject_cast<QAbstractItemView *>(m_lists->currentWidget());
+    if (!list || !list->model() || list->model()->rowCount() == 0)
+        return false;
+    list->setFocus(Qt::TabFocusReason);
+    QItemSelectionModel *selection = list->selectionModel();
+    if (selection->hasSelection())
+        return true;
+    // The grids show one column of their model; the tables start at their first visible one.
+    int column = 0;
+    if (const auto *grid = qobject_cast<QListView *>(list))
+        column = grid->modelColumn();
+    else if (const auto *table = qobject_cast<QTableView *>(list))
+        column = table->horizontalHeader()->logicalIndex(0);
+    selection->setCurrentIndex(list->model()->index(0, column),
+                               QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    return true;
 }
 
 void SetListView::showCurrentList()

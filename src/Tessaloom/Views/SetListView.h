@@ -86,6 +86,10 @@ Q_SIGNALS:
     // The user asked for the parts checklist window of a copy.
     void partsChecklistRequested(const ObjectID &brickSet);
 
+protected:
+    // Down in the search field moves the keyboard into the list on show.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void buildBar();
     void buildCopyActions();
@@ -100,6 +104,7 @@ private:
     void catalogSelectionChanged();
     void reselectBrickSet();
     void reselectCatalogSet();
+    bool moveIntoList();
 
     SetListViewModel &m_viewModel;
     CellPictureLoader *m_gridPictures;
