@@ -75,11 +75,11 @@ xvfb-run --auto-servernum --server-args="-screen 0 ${width}x${height}x24" bash -
         quit_with_ctrl_q "$app" || { echo "after taking $name.png" >&2; return 1; }
     }
 
-    # The places clicked are those of the first grid cell and of the "Hogwarts Castle" row
-    # at this screen size; a miss leaves a picture without a chosen set, nothing worse.
-    shoot collection-grid all_sets true "mousemove 367 176" "click 1"
+    # Sets are chosen with the keyboard: Ctrl+F, then Down from the search field chooses the
+    # first result, and each further Down the next row ("Hogwarts Castle" is the fifth).
+    shoot collection-grid all_sets true "key --clearmodifiers ctrl+f" "key Down"
     shoot catalog-table catalog_all false "key --clearmodifiers ctrl+f" "type --delay 60 castle" \
-        "mousemove 446 263" "click 1"
+        "key Down" "key Down" "key Down" "key Down" "key Down"
     shoot theme-browser catalog_all_themes true
     # A catalog in a format older than this program reads stands in front of the sample one;
     # the program treats it as no catalog and brings up the sheet.
